@@ -1,0 +1,75 @@
+# The shared library pincel::pincel and the static library pincel::pincel_static.
+
+set(folders surface convert draw mix blend filters loaders)
+list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/ OUTPUT_VARIABLE patterns)
+list(TRANSFORM patterns APPEND /*.cc)
+file(GLOB PINCEL_SOURCES CONFIGURE_DEPENDS ${patterns})
+set(entry_point ${PROJECT_SOURCE_DIR}/surface/dll_main.cc)
+list(REMOVE_ITEM PINCEL_SOURCES ${entry_point})
+
+function(pincel_objects name)
+  add_library(${name} OBJECT ${PINCEL_SOURCES})
+  target_compile_definitions(${name} PRIVATE ${ARGN})
+  target_link_libraries(${name} PRIVATE pincel_settings)
+  # Compile settings only: nothing but the two libraries below links the archive.
+  target_include_directories(${name} SYSTEM PRIVATE
+    $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>)
+  target_compile_definitions(${name} PRIVATE HWY_STATIC_DEFINE)
+endfunction()
+
+# One compilation serves both libraries, except on Windows, where objects with export directives
+# would make every program that links the static library export the whole interface.
+pincel_objects(pincel_objects PINCEL_BUILD)
+if(WIN32)
+  pincel_objects(pincel_static_objects PINCEL_STATIC)
+else()
+  add_library(pincel_static_objects ALIAS pincel_objects)
+endif()
+
+add_library(pincel SHARED $<TARGET_OBJECTS:pincel_objects>)
+add_library(pincel::pincel ALIAS pincel)
+target_include_directories(pincel INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(pincel PRIVATE $<BUILD_INTERFACE:pincel_settings> $<BUILD_INTERFACE:hwy::hwy>)
+set_target_properties(pincel PROPERTIES
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINKER_LANGUAGE CXX)
+if(WIN32)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/pincel.rc.in ${PROJECT_BINARY_DIR}/pincel.rc @ONLY)
+  target_sources(pincel PRIVATE ${entry_point} ${PROJECT_BINARY_DIR}/pincel.rc)
+  target_compile_definitions(pincel PRIVATE PINCEL_BUILD)
+  set_target_properties(pincel PROPERTIES
+    PREFIX "" IMPORT_PREFIX lib IMPORT_SUFFIX .dll.a VERSION "" SOVERSION "")
+  # libgcc is shared because an exception crosses into a MinGW host only through a common unwinder.
+  target_link_options(pincel PRIVATE
+    -static-libstdc++ -shared-libgcc LINKER:--no-insert-timestamp)
+
+  set(PINCEL_RUNTIME_DLL libgcc_s_dw2-1.dll)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${PINCEL_RUNTIME_DLL}
+    OUTPUT_VARIABLE PINCEL_RUNTIME_DLL_PATH OUTPUT_STRIP_TRAILING_WHITESPACE)
+  file(REAL_PATH ${PINCEL_RUNTIME_DLL_PATH} PINCEL_RUNTIME_DLL_PATH)
+  file(COPY ${PINCEL_RUNTIME_DLL_PATH} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+else()
+  target_link_options(pincel PRIVATE LINKER:--exclude-libs,ALL)
+  if(NOT PINCEL_SANITIZE)
+    target_link_options(pincel PRIVATE LINKER:-z,defs)
+  endif()
+endif()
+
+add_library(pincel_static STATIC $<TARGET_OBJECTS:pincel_static_objects>)
+add_library(pincel::pincel_static ALIAS pincel_static)
+target_include_directories(pincel_static INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_compile_definitions(pincel_static INTERFACE PINCEL_STATIC)
+set_target_properties(pincel_static PROPERTIES LINKER_LANGUAGE CXX)
+if(NOT WIN32)
+  set_target_properties(pincel_static PROPERTIES OUTPUT_NAME pincel)
+endif()
+# Highway goes into the archive, so that a user links one file and need not have Highway.
+add_custom_command(TARGET pincel_static POST_BUILD
+  COMMAND ${CMAKE_COMMAND} -DAR=${CMAKE_AR} -DINTO=$<TARGET_FILE:pincel_static>
+    -DFROM=$<TARGET_FILE:hwy::hwy> -P ${PROJECT_SOURCE_DIR}/cmake/merge_archive.cmake
+  VERBATIM)

@@ -1,0 +1,42 @@
+# Compiler settings that hold for every target of the tree.
+
+# Programs find the library beside themselves, on Windows too.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_program(CCACHE ccache)
+mark_as_advanced(CCACHE)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER AND NOT DEFINED ENV{CMAKE_CXX_COMPILER_LAUNCHER})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+# What the sources need to give the same bytes everywhere. Without -ffp-contract=off, code that is
+# compiled for AVX2 would round once where other targets round twice.
+add_library(pincel_settings INTERFACE)
+target_compile_features(pincel_settings INTERFACE cxx_std_20)
+target_compile_options(pincel_settings INTERFACE -ffp-contract=off -fno-math-errno)
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # The toolchain file says the same; stated again for other ways to reach this compiler.
+  target_compile_options(pincel_settings INTERFACE
+    -msse2 -mfpmath=sse -mincoming-stack-boundary=2)
+endif()
+target_include_directories(pincel_settings INTERFACE
+  ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+
+target_compile_options(pincel_settings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wcast-qual -Wnon-virtual-dtor
+  -Wno-psabi $<$<BOOL:${PINCEL_DEVELOPER}>:-Werror>)
+
+if(PINCEL_SANITIZE)
+  set(sanitize -fsanitize=${PINCEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(pincel_settings INTERFACE ${sanitize})
+  target_link_options(pincel_settings INTERFACE ${sanitize})
+endif()
+if(PINCEL_ALL_TARGETS)
+  target_compile_definitions(pincel_settings INTERFACE HWY_COMPILE_ALL_ATTAINABLE)
+endif()
