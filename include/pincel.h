@@ -1,0 +1,552 @@
+/** @file pincel.h
+ * Pincel: 2D software rendering into surfaces that the host owns.
+ *
+ * Every function works on plain memory described by a #TSurfDesc. The library allocates no surface,
+ * touches no display and opens no file; it starts no thread and takes no lock. Calls on different
+ * surfaces may run at the same time; the only shared data are the start-up tables and #lu_gPaleta.
+ *
+ * Rules that hold for every function, unless its own text says otherwise:
+ *
+ * - **Formats.** The destination (first #TSurfDesc) is classified by `bpp` and, at 16 bits, by
+ *   `rMask` and `aMask`:
+ *
+ *   | code | name     | when                                    | stored pixel                       |
+ *   |------|----------|-----------------------------------------|------------------------------------|
+ *   | 8    | indexed  | bpp 8                                   | palette index                      |
+ *   | 16   | RGB565   | bpp 16, any rMask not listed below      | red 11-15, green 5-10, blue 0-4    |
+ *   | 17   | RGB555   | bpp 16, rMask 0x7C00, aMask 0           | red 10-14, green 5-9, blue 0-4     |
+ *   | 18   | ARGB1555 | bpp 16, rMask 0x7C00, aMask not 0       | alpha 15, then as RGB555           |
+ *   | 19   | ARGB4444 | bpp 16, rMask 0x0F00                    | alpha 12-15, red, green, blue 0-3  |
+ *   | 24   | RGB888   | bpp 24                                  | bytes blue, green, red             |
+ *   | 32   | ARGB8888 | bpp 32                                  | bytes blue, green, red, alpha      |
+ *
+ *   Any other depth is unsupported: the function does nothing and returns false (0 for a colour).
+ *   Multi-byte pixels are little-endian and need no alignment.
+ * - **Colours** passed as `unsigned long` are either *packed* (the bits exactly as stored in the
+ *   surface) or *true colour* (0x00RRGGBB; some functions read the top byte too). Only the low 32
+ *   bits are read. Packing to 16 bits keeps the top bits of each channel and never rounds;
+ *   unpacking leaves the low bits zero.
+ * - **Rectangles** are clipped to the destination, and points that go with them move along. Sources
+ *   are never clipped: keep the source area inside the source surface. Clipping is defined for every
+ *   value of every coordinate.
+ * - **Memory** is not validated: `width`, `height`, `pitch` and the pointers must describe real
+ *   memory. Source and destination must not overlap unless they are the same area of the same
+ *   surface.
+ * - **Results** are not uniformly meaningful; several functions always return the same value. Each
+ *   text says what its result means. Nothing is logged, and nothing is thrown.
+ */
+#ifndef PINCEL_H_
+#define PINCEL_H_
+
+#include <stdint.h>
+
+#if defined(PINCEL_STATIC)
+#define PINCEL_API
+#elif defined(_WIN32)
+#if defined(PINCEL_BUILD)
+#define PINCEL_API __declspec(dllexport)
+#else
+#define PINCEL_API __declspec(dllimport)
+#endif
+#elif defined(__GNUC__)
+#define PINCEL_API __attribute__((visibility("default")))
+#else
+#define PINCEL_API
+#endif
+
+/** @defgroup types Types
+ * Plain records that the host fills in and owns. @{ */
+
+/** One palette entry; the same byte order as a 32-bit pixel. */
+struct TRGBA {
+  uint8_t blue;  /**< 0..255 */
+  uint8_t green; /**< 0..255 */
+  uint8_t red;   /**< 0..255 */
+  uint8_t alpha; /**< fourth byte; the palette builders leave it as it is */
+};
+
+/** A surface: caller-owned pixels and how to read them. 44 bytes in 32-bit builds. */
+struct TSurfDesc {
+  int32_t width;     /**< pixels per row */
+  int32_t height;    /**< number of rows */
+  uint32_t bpp;      /**< bits per pixel: 8, 16, 24 or 32 */
+  uint32_t rMask;    /**< red bits of a 16-bit pixel; selects the 16-bit format */
+  uint32_t gMask;    /**< green bits; informational */
+  uint32_t bMask;    /**< blue bits; informational */
+  uint32_t aMask;    /**< alpha bits, 0 when the format has none */
+  uint32_t colorKey; /**< transparent colour, packed; 0xFFFFFFFF: no colour key */
+  int32_t pitch;     /**< bytes from the start of one row to the start of the next */
+  uint8_t *pixels;   /**< first byte of row 0, the top row */
+  TRGBA *palette;    /**< 256 entries of an 8-bit surface, or null; ignored for other depths */
+};
+
+/** A rectangle: columns left to right - 1, rows top to bottom - 1 (right, bottom exclusive). */
+struct CRectangulo {
+  int32_t left;   /**< first column */
+  int32_t top;    /**< first row */
+  int32_t right;  /**< one past the last column */
+  int32_t bottom; /**< one past the last row */
+};
+
+/** A position in pixels. */
+struct CPunto {
+  int32_t x; /**< column, rightwards from 0 */
+  int32_t y; /**< row, downwards from 0 */
+};
+
+/** A size in pixels. */
+struct CSize {
+  int32_t width;  /**< columns */
+  int32_t height; /**< rows */
+};
+
+/** Frame record of the GIF entry points; caller-owned. */
+struct RAW {
+  uint32_t width;          /**< screen width, then the width of the decoded frame */
+  uint32_t height;         /**< screen height, then the height of the decoded frame */
+  uint32_t readPalette;    /**< not 0: colour tables of the file go to `palette` */
+  uint32_t reserved;       /**< 0 */
+  uint8_t palette[256][4]; /**< entries of red, green, blue and a fourth byte */
+  uint8_t *output;         /**< receives the frame's indices */
+};
+
+/** Decoder state of the GIF entry points; caller-owned. */
+struct CQXGIF {
+  uint8_t *cursor;    /**< next block or sub-block length byte */
+  uint8_t *blockPos;  /**< next unread byte of the current sub-block */
+  uint32_t codeSize;  /**< code width in bits */
+  uint32_t endCode;   /**< end-of-information code */
+  int32_t blockLeft;  /**< bytes left in the current sub-block */
+  uint32_t bitCount;  /**< unused high bits of `bitByte` */
+  uint32_t bitByte;   /**< last byte fetched */
+};
+
+static_assert(sizeof(TRGBA) == 4 && sizeof(CRectangulo) == 16, "plain records without padding");
+static_assert(sizeof(void *) != 4 || sizeof(TSurfDesc) == 44, "eleven words in 32-bit builds");
+static_assert(sizeof(void *) != 4 || (sizeof(RAW) == 1044 && sizeof(CQXGIF) == 28),
+              "261 and 7 words in 32-bit builds");
+
+/** @} */
+
+/** @defgroup core Surfaces, pixels and palettes
+ * @{ */
+
+/** Palette used for 8-bit surfaces that carry none (blits, lines, BMP loading).
+ *
+ * Filled with the model palette (CreateModelPal) when the library is loaded: entries 0 to 251;
+ * entries 252 to 255 and every fourth byte are 0. The host may overwrite it at any time between
+ * calls; later calls see the change. The conversions do not use it: there a missing source palette
+ * means a grey ramp. */
+extern PINCEL_API TRGBA lu_gPaleta[256];
+
+/** Width in pixels.
+ * @param surface any surface; only the field is read.
+ * @return `surface.width`. */
+PINCEL_API int Width(TSurfDesc &surface);
+
+/** Height in rows.
+ * @param surface any surface; only the field is read.
+ * @return `surface.height`. */
+PINCEL_API int Height(TSurfDesc &surface);
+
+/** Bytes from one row to the next.
+ * @param surface any surface; only the field is read.
+ * @return `surface.pitch`. */
+PINCEL_API int ScanWidth(TSurfDesc &surface);
+
+/** Width and height in pixels.
+ * @param surface any surface; only the fields are read.
+ * @return (`surface.width`, `surface.height`), whatever the pitch. */
+PINCEL_API CSize Size(TSurfDesc &surface);
+
+/** Tells whether a surface has a colour key.
+ * @param surface any surface; only the field is read.
+ * @return true when `colorKey` is not 0xFFFFFFFF; a key of 0 counts. */
+PINCEL_API bool Transp(TSurfDesc &surface);
+
+/** Reads one pixel as a colour.
+ *
+ * | format   | result                                                                        |
+ * |----------|-------------------------------------------------------------------------------|
+ * | 8        | the stored index; 0 for a point outside the surface                           |
+ * | 565, 555, 1555, 4444 | **not the pixel**: the low 16 bits of `surface.width`, unpacked   |
+ * | 24       | always 0                                                                      |
+ * | 32       | the stored word, alpha included; the point is not checked                     |
+ *
+ * The 16-bit results are 0xGGRRGGBB: the top byte repeats the green byte. The 16- and 24-bit
+ * results are irregular and stay so; read the memory yourself for those formats.
+ * @param surface surface to read.
+ * @param point position in pixels. Only 8-bit surfaces check it; at 32 bits it must lie inside.
+ * @return the colour as above; 0 for an unsupported depth. */
+PINCEL_API unsigned long GetPixel(TSurfDesc &surface, CPunto point);
+
+/** Reads one pixel as a colour: GetPixel(surface, {x, y}).
+ * @param surface surface to read.
+ * @param x column in pixels. @param y row in pixels.
+ * @return see GetPixel(TSurfDesc &, CPunto). */
+PINCEL_API unsigned long GetPixel(TSurfDesc &surface, int x, int y);
+
+/** Writes one pixel.
+ *
+ * 565, 555, 1555 and 4444 take the true colour 0x00RRGGBB, truncate it and write alpha bits as 0;
+ * 24-bit surfaces store bits 0-7, 8-15 and 16-23; 8-bit surfaces store the low byte as the index.
+ * **32-bit surfaces are left unchanged**; this is irregular and stays so (use IdxFillRect with a
+ * rectangle of one pixel).
+ * @param surface surface to write.
+ * @param point position in pixels. 8-bit surfaces ignore a point outside; every other depth needs a
+ *        point inside, unchecked.
+ * @param colour true colour, or the palette index on 8-bit surfaces. */
+PINCEL_API void SetPixel(TSurfDesc &surface, CPunto point, unsigned long colour);
+
+/** Writes one pixel: SetPixel(surface, {x, y}, colour).
+ * @param surface surface to write.
+ * @param x column in pixels. @param y row in pixels.
+ * @param colour see SetPixel(TSurfDesc &, CPunto, unsigned long). */
+PINCEL_API void SetPixel(TSurfDesc &surface, int x, int y, unsigned long colour);
+
+/** Builds the start-up tables and fills #lu_gPaleta with the model palette.
+ *
+ * Runs by itself when the library is loaded. Calling it again rebuilds both: entries 0 to 251 of
+ * #lu_gPaleta are overwritten, the others and the fourth bytes are kept. Not to be called while
+ * another call of the library is running. */
+PINCEL_API void InitializeDLL(void);
+
+/** Writes the model palette: a cube of 6 reds, 7 greens and 6 blues.
+ *
+ * Entry 42 r + 6 g + b has red 51 r, green 255 g / 6 (truncated) and blue 51 b. Entries 252 to 255
+ * and every fourth byte are left as they are.
+ * @param palette receives entries 0 to 251. */
+PINCEL_API void CreateModelPal(TRGBA (&palette)[256]);
+
+/** Writes a grey ramp: entry i has red, green and blue i; fourth bytes are left as they are.
+ * @param palette receives all 256 entries. */
+PINCEL_API void CreateGreyPal(TRGBA (&palette)[256]);
+
+/** Writes the 3-3-2 palette: an index read as RRRGGGBB names its colour.
+ *
+ * Low bits are 0, so white is index 255 = (224, 224, 192). Fourth bytes are left as they are.
+ * @param palette receives all 256 entries. */
+PINCEL_API void CreateTruncPal(TRGBA (&palette)[256]);
+
+/** @} */
+
+/** @defgroup convert Conversion between formats
+ * Whole surfaces: the walk follows the *source's* width and height; the destination must be at
+ * least as large and its own size is not read. @{ */
+
+/** Converts a whole surface into the format of another, pixels and colour key.
+ *
+ * Every pair of the seven formats is supported. Equal formats are copied with CopyImage (mind its
+ * row rule) and the key is copied along; 8 bits to 8 bits is a palette remap (Convert8_8). Channels
+ * are truncated, nothing is rounded or dithered.
+ *
+ * *To 16 bits and up from 16 bits and up*: see the converters below; 16-bit pixels widen with zero
+ * low bits, alpha becomes 255 at 32 bits except from 1555 (0) and 4444 (the nibble, at the top).
+ * 24- and 32-bit pixels become 555, 1555 or 4444 with the alpha bits taken from **the byte behind
+ * the three colour bytes**: the pixel's own alpha at 32 bits, but at 24 bits the next pixel's blue
+ * byte (behind the last pixel of a row, the byte that follows it in memory, which must be
+ * readable).
+ *
+ * *From 8 bits* the source's palette gives the colours, a grey ramp when it is null. A keyed source
+ * makes palette entry 0 the destination's key; at 32 bits the key is written only when there is
+ * one, as entry 0 with alpha 255 when `dst.aMask` is set, else as the source's key value unchanged.
+ *
+ * *To 8 bits* the mode decides:
+ *
+ * | mode  | each pixel becomes                                                             |
+ * |-------|--------------------------------------------------------------------------------|
+ * | 1     | nothing is written, only the key is set                                        |
+ * | 2     | the entry of `dst.palette` with the smallest sum of (colour - entry) mod 256 per channel; the highest index among equals |
+ * | 3     | its 3-3-2 index (palette of CreateTruncPal)                                    |
+ * | 4     | its index in the model cube (palette of CreateModelPal)                        |
+ * | other | nothing happens                                                                |
+ *
+ * The distance of mode 2 wraps per channel: an entry one step brighter than the colour costs 255.
+ * 24- and 32-bit sources enter modes 2 to 4 with **red and blue exchanged**; 16-bit sources do not.
+ * The destination's key becomes 0 when the source has one, else 0xFFFFFFFF; keyed pixels become
+ * index 0. A 24- or 32-bit pixel is keyed when its low 24 bits equal the whole key, so a key with a
+ * top byte never matches; a 16-bit pixel is keyed when its unpacked form 0xGGRRGGBB, exclusive-or
+ * 0x00FFFFFF, equals the key, which real keys do not.
+ *
+ * A 555 or 4444 surface made from 8 bits gets bit 15 from bit 7 of the entry's fourth byte (555,
+ * 1555) or an alpha nibble of 15 (4444).
+ * @param dst destination; its `colorKey` is set. An 8-bit destination needs a palette in mode 2.
+ * @param src source; at least one pixel for 24/32-bit pairs.
+ * @param mode reduction mode, read only when `dst` has 8 bits and `src` has not.
+ * @return **always false**, also after a successful conversion. Unsupported formats and modes write
+ *         nothing. */
+PINCEL_API bool Convert(TSurfDesc &dst, TSurfDesc &src, unsigned long mode);
+
+/** Raw copy of a surface's bytes; the key and the palette are not copied.
+ *
+ * With equal pitches, `height` x pitch bytes are copied in one run, rounded **down** to a multiple
+ * of four. With different pitches, each row copies `width` **bytes** rounded up to a multiple of
+ * four, whatever the depth, and then each pointer moves on, from the end of the copied run, by its
+ * pitch minus width x bytes per pixel. That is exact for 8-bit surfaces whose width is a multiple
+ * of four only; deeper surfaces drift. Intended: give both surfaces the same pitch.
+ * @param dst destination. @param src source; at least one row (with different pitches a height of 0
+ *        or less still copies one row).
+ * @return always true. */
+PINCEL_API bool CopyImage(TSurfDesc &dst, TSurfDesc &src);
+
+/** @name Repacking between 16-bit formats
+ * Source format first in the name, destination first in the arguments. The formats of the surfaces
+ * are not checked. Fields are truncated or widened with zero low bits, alpha and key as follows:
+ *
+ * | function               | bit 15 / alpha of the result                  | key ORed with |
+ * |------------------------|-----------------------------------------------|---------------|
+ * | Convert16_565_16_555   | 0                                             |               |
+ * | Convert16_555_16_565   | (bit 15 is dropped)                           |               |
+ * | Convert16_565_16_5551  | 1                                             | 0x8000        |
+ * | Convert16_555_16_5551  | 1 (the rest is copied)                        | 0x8000        |
+ * | Convert16_5551_16_555  | **pixels become 4444 values with alpha 0**    |               |
+ * | Convert16_555_16_4444  | alpha 0                                       | 0xF000        |
+ * | Convert16_565_16_4444  | alpha 15                                      | 0xF000        |
+ * | Convert16_4444_16_565  | (alpha is dropped)                            |               |
+ * | Convert16_4444_16_555  | the top alpha bit                             |               |
+ * | Convert16_4444_16_5551 | the top alpha bit                             | 0x8000        |
+ *
+ * The key's low 16 bits are unpacked and packed alike, and the result is always stored: **a source
+ * without a key leaves a key behind** (0xFFFFFFFF becomes 0x7FFF from 565 to 555).
+ *
+ * Each takes the destination (at least as large as the source; `colorKey` is set) and the source (an
+ * empty one converts the key only), and returns true, always.
+ * @{ */
+PINCEL_API bool Convert16_565_16_555(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_4444_16_555(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_555_16_4444(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_565_16_4444(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_4444_16_565(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_4444_16_5551(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_555_16_5551(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_5551_16_555(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_565_16_5551(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_555_16_565(TSurfDesc &dst, TSurfDesc &src);
+/** @} */
+
+/** 24 to 32 bits: the colour bytes and a fourth byte of 255.
+ *
+ * The key is copied, with 0xFF000000 ORed in when `dst.aMask` is not 0.
+ * @param dst 32-bit destination. @param src 24-bit source. The formats are not checked. A width or
+ *        height below 1 counts as 1.
+ * @return always true. */
+PINCEL_API bool Convert24_32_(TSurfDesc &dst, TSurfDesc &src);
+
+/** 32 to 24 bits: the colour bytes; the fourth byte is dropped.
+ *
+ * The key is copied unchanged, top byte included.
+ * @param dst 24-bit destination. @param src 32-bit source. The formats are not checked. A width or
+ *        height below 1 counts as 1.
+ * @return always true. */
+PINCEL_API bool Convert32_24_(TSurfDesc &dst, TSurfDesc &src);
+
+/** 8 to 8 bits: maps each source palette entry to the nearest destination entry.
+ *
+ * "Nearest" is the wrapping distance of Convert, mode 2. The key is copied unchanged, not mapped.
+ * @param dst 8-bit destination with a palette. @param src 8-bit source with a palette; both
+ *        palettes are read unchecked. A source without rows copies the key only.
+ * @return always true. */
+PINCEL_API bool Convert8_8(TSurfDesc &dst, TSurfDesc &src);
+
+/** @} */
+
+/** @defgroup draw Blits and primitives
+ * @{ */
+
+/** Copies a rectangle of pixels, leaving out transparent ones: the sprite blit.
+ *
+ * Equal depths copy raw pixels (565 onto 555 bit for bit; nothing is repacked). An 8-bit source on
+ * a deeper destination goes through its palette, or #lu_gPaleta when it has none: truncated to 16
+ * bits with alpha bits 0, three bytes at 24, the whole entry at 32. Any other pair draws nothing.
+ *
+ * A source with a colour key leaves out its transparent pixels: at 16 bits those equal to the key's
+ * low 16 bits, at 24 and 32 bits those whose low 24 bits equal the key's (the top byte is ignored,
+ * and copied when the pixel is drawn), **at 8 bits those of index 0, whatever the key's value**.
+ *
+ * **An opaque 24-bit blit copies only the first 2 x w bytes of each row of w pixels**; the last
+ * third keeps its old contents. Intended: give the source a key, or use DrawBlock.
+ * @param dst destination, any format.
+ * @param rect destination rectangle; clipped.
+ * @param src source. Not clipped: the area at `at` must lie inside it.
+ * @param at source pixel that lands on the rectangle's top-left corner; moves with the clipping.
+ * @return true for a supported destination, whether or not anything was drawn. */
+PINCEL_API bool DrawBitmap(TSurfDesc &dst, CRectangulo rect, TSurfDesc &src, CPunto at);
+
+/** Draws a whole surface: DrawBitmap with the destination's full rectangle from source (0, 0).
+ * @param dst destination; **its** size is the size drawn.
+ * @param src source, at least as large as `dst`.
+ * @return see DrawBitmap(TSurfDesc &, CRectangulo, TSurfDesc &, CPunto). */
+PINCEL_API bool DrawBitmap(TSurfDesc &dst, TSurfDesc &src);
+
+/** Fills a rectangle.
+ *
+ * The colour is 0xAARRGGBB, truncated to the destination's fields. Alpha bits of 16-bit formats
+ * fold the halves of AA together: 1555 and 555 store bit 7 OR bit 0 in bit 15, 4444 stores the high
+ * nibble OR the low one. 32 bits store the whole word; 24 bits ignore AA; 8 bits store the low byte
+ * as the index.
+ * @param dst destination, any format.
+ * @param rect rectangle to fill; clipped, may be empty or inverted.
+ * @param colour 0xAARRGGBB, or the index on 8-bit surfaces.
+ * @return true; false only for an unsupported format. */
+PINCEL_API bool IdxFillRect(TSurfDesc &dst, CRectangulo rect, unsigned long colour);
+
+/** Horizontal run of pixels **in the row above** `p`.
+ * @param dst destination, any format.
+ * @param p the run covers row p.y - 1, from p.x on; clipped.
+ * @param len pixels; negative runs leftwards from p.x - 1, 0 draws nothing.
+ * @param colour see IdxFillRect.
+ * @return that of IdxFillRect. */
+PINCEL_API bool IdxLineHI(TSurfDesc &dst, CPunto const &p, int len, unsigned long colour);
+
+/** Vertical run of pixels **in the column left of** `p`.
+ * @param dst destination, any format.
+ * @param p the run covers column p.x - 1, from p.y on; clipped.
+ * @param len pixels; negative runs upwards from p.y - 1, 0 draws nothing.
+ * @param colour see IdxFillRect.
+ * @return that of IdxFillRect. */
+PINCEL_API bool IdxLineVI(TSurfDesc &dst, CPunto const &p, int len, unsigned long colour);
+
+/** Draws a rectangle's last row and last column.
+ * @param dst destination, any format.
+ * @param rect rectangle; the lines are clipped.
+ * @param colour see IdxFillRect.
+ * @return **always false**. */
+PINCEL_API bool FrameBR(TSurfDesc &dst, CRectangulo rect, unsigned long colour);
+
+/** Black bottom-right frame, offset by one pixel: a drop shadow.
+ *
+ * With any `depth` above 0 exactly **one** frame is drawn, at the rectangle moved by (1, 1),
+ * whatever `depth` and `step`; intended.
+ * @param dst destination, any format; the frame is colour 0.
+ * @param rect rectangle that throws the shadow.
+ * @param step not significant.
+ * @param depth 0 draws nothing.
+ * @return true for a depth of 0, else false. */
+PINCEL_API bool DrawRectShadow(TSurfDesc &dst, CRectangulo rect, unsigned char step,
+                               unsigned char depth);
+
+/** Blended line with thickness and, if wanted, soft edges.
+ *
+ * The longer axis is walked one pixel at a time (equal extents walk along y), both end points
+ * included, the start clamped to 0 and the end to the destination's width (height when walking
+ * along y), **that column or row included**. Steps whose centre lies outside the other axis are
+ * left out; otherwise the thickness runs from the centre line towards larger coordinates and is
+ * **not clipped**: keep the line and its thickness inside the surface, one pixel away from its far
+ * edges when they matter.
+ *
+ * 32 and 24 bits blend in floating point with the level / 255, the fourth byte is kept. 565, 555,
+ * 1555 and 4444 blend field by field, d + ((c - d) x weight >> 8), so full level leaves a rest;
+ * alpha bits are kept. 8 bits mix the palette colours (`dst.palette`, else #lu_gPaleta) as the
+ * 32-bit form does and store the nearest entry (distance as in Convert, mode 2).
+ * @param dst destination, any format.
+ * @param p1 one end. @param p2 the other end.
+ * @param colour true colour 0x00RRGGBB, on 8-bit surfaces too.
+ * @param alpha level 0..255; larger counts as 255.
+ * @param soft also blend the two edge pixels of each step by their coverage.
+ * @param thickness pixels; below 1 draws the soft edges only.
+ * @return **always false**. */
+PINCEL_API bool Line(TSurfDesc &dst, CPunto const &p1, CPunto const &p2, unsigned long colour,
+                     unsigned short alpha, bool soft, int thickness);
+
+/** Flood fill with a tolerance.
+ *
+ * From (x, y) a walk marks cells that can be reached over similar neighbours, then every marked
+ * cell is painted. A pixel is similar to the reference when the sum over the channels of (reference
+ * - pixel) mod 256 is at most the tolerance: **a channel brighter than the reference counts as far
+ * away**. The start cell itself is never tested; it is painted whenever it has a similar neighbour.
+ * The walk is not a plain flood: within one round it may step on from a cell it has just entered,
+ * so it can mark a dissimilar diagonal neighbour and can miss cells; results are exactly those of
+ * the walk, mask bytes included. A reference equal to the colour paints the start cell only.
+ *
+ * 16-bit pixels compare unpacked with zero low bits; alpha bits are written 0, a 32-bit fourth byte
+ * is kept. On 8-bit destinations pixels read as 0 and nothing is painted.
+ * @param dst destination, any format.
+ * @param work 8-bit surface of the destination's size, all zero; keeps a byte per visited cell
+ *        (1 up, 2 down, 8 left, 4 right: neighbours found similar). Clear it before the next fill.
+ * @param x start column, inside the surface. @param y start row, inside the surface.
+ * @param tolerance largest sum that still counts as similar, 0..765.
+ * @param reference true colour 0x00RRGGBB to compare with.
+ * @param colour true colour 0x00RRGGBB to paint.
+ * @return always true. */
+PINCEL_API bool Rellena(TSurfDesc &dst, TSurfDesc &work, int x, int y, unsigned long tolerance,
+                        unsigned long reference, unsigned long colour);
+
+/** Copies a block of raw pixels: no clipping, no key, no conversion.
+ * @param dst destination, any format; the block must lie inside.
+ * @param src source of the destination's depth; the block must lie inside.
+ * @param sx,sy top-left corner in `src`, pixels.
+ * @param dx,dy top-left corner in `dst`, pixels.
+ * @param w,h size in pixels; 0 copies nothing.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool DrawBlock(TSurfDesc &dst, TSurfDesc &src, unsigned short sx, unsigned short sy,
+                          unsigned short dx, unsigned short dy, unsigned short w,
+                          unsigned short h);
+
+/** @} */
+
+/** @defgroup load Image loading
+ * Images arrive as complete files in memory; pixels go straight into the caller's surface. Ask for
+ * the size, prepare a surface of any format, load. @{ */
+
+/** Reads size and depth from a BMP file.
+ * @param surface receives `width`, `height` (absolute value) and `bpp`; nothing else is written.
+ * @param bitmap the file's first byte; its header must be complete.
+ * @return always true. */
+PINCEL_API bool LoadInfoBMP(TSurfDesc &surface, unsigned char *bitmap);
+
+/** Decodes a BMP file into a surface of any format.
+ *
+ * Reads 8-bit (plain or run-length coded) and 24-bit files with a 40-byte header, and 8- and 24-bit
+ * files with a 12-byte header; every other header size is read as the 12-byte one. Depths below 17
+ * other than 8 write nothing; **depths above 24 are read as 24**, so a 32-bit file comes out wrong.
+ * The file's length is not known: it must be complete. A file that starts with "QX" has its pixels
+ * at offset 54, whatever its header says.
+ *
+ * The surface's width and height drive the decoding, so give it those of LoadInfoBMP. Run-length
+ * data never writes outside the surface: what crosses the end of a row is left out, and moves
+ * outside the surface end the decoding. Pixels that run-length data skips take the colour of entry
+ * 0, unless that packs to 0; on 8-bit surfaces they keep their old contents.
+ *
+ * Alpha bits: palette entries count as alpha 255 (32-bit surfaces get the entry whole); 24-bit data
+ * gives 555, 1555 and 4444 pixels **the top bits of the byte that follows the pixel** in the file,
+ * and leaves the fourth byte of 32-bit pixels as it was.
+ *
+ * An 8-bit surface needs a palette, which receives the file's colour table, or #lu_gPaleta when the
+ * file has none; there every black entry but entry 0 gets blue 1, so that index 0 is the only pure
+ * black. 24-bit files write no pixels to it.
+ *
+ * **A top-down run-length file on a 24-bit surface comes out with red and blue exchanged**;
+ * intended.
+ * @param surface destination; pixels, pitch, masks and, at 8 bits, palette filled in by the caller.
+ * @param bitmap the file's first byte.
+ * @return true, also when nothing could be decoded; false only for an unsupported surface. */
+PINCEL_API bool LoadBMP(TSurfDesc &surface, unsigned char *bitmap);
+
+/** Reads the size of a BMP file that is to be loaded as an alpha map.
+ * @param surface receives `width`, `height` (absolute value) and `bpp` 8, whatever the file holds.
+ * @param bitmap the file's first byte.
+ * @return always true. */
+PINCEL_API bool LoadInfoBMPAlpha(TSurfDesc &surface, unsigned char *bitmap);
+
+/** Loads the bytes of an 8-bit BMP file as they stand: an alpha map or mask.
+ *
+ * Run-length data is decoded as in LoadBMP; skipped pixels keep their old contents. Neither the
+ * file's depth nor the surface's is looked at, and no palette is touched.
+ * @param surface 8-bit destination; its width and height drive the decoding.
+ * @param bitmap the file's first byte; an 8-bit file.
+ * @return always true. */
+PINCEL_API bool LoadBMPAlpha(TSurfDesc &surface, unsigned char *bitmap);
+
+/** Kept for an image format that is not supported.
+ * @param surface not touched. @param data not read.
+ * @return always false. */
+PINCEL_API bool LoadInfoPGF(TSurfDesc &surface, unsigned char *data);
+
+/** Kept for an image format that is not supported.
+ * @param surface not touched. @param data not read.
+ * @return always false. */
+PINCEL_API bool LoadPGF(TSurfDesc &surface, unsigned char *data);
+
+/** @} */
+
+#endif /* PINCEL_H_ */

@@ -1,0 +1,89 @@
+// Per-target: how a kernel walks a row. Included by the *_rows.cc files, once per instruction set.
+//
+// A kernel is a struct with
+//   using Lane       the lane type of its widest vectors
+//   kDstBytes        bytes per destination pixel
+//   kSrcBytes        bytes per source pixel (kernels with a source)
+//   Vector(d, dst, src)  does Lanes(d) pixels
+//   Pixel(dst, src)      does one pixel, in plain C++
+//   kVectorWins          (optional, default true) false where plain code is faster on this target
+// Vector and Pixel do the same to every pixel, wherever it stands in the row.
+#if defined(SURFACE_ROW_KERNELS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef SURFACE_ROW_KERNELS_INL_H_
+#undef SURFACE_ROW_KERNELS_INL_H_
+#else
+#define SURFACE_ROW_KERNELS_INL_H_
+#endif
+
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pincel {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// False on the targets that have no vectors; their kernels are Pixel alone.
+inline constexpr bool kHaveVectors = HWY_TARGET != HWY_SCALAR && HWY_TARGET != HWY_EMU128;
+// Whether bytes can be shuffled freely: without it, splitting 24-bit pixels into planes is slower
+// than plain code.
+inline constexpr bool kHaveByteShuffle = kHaveVectors && HWY_TARGET != HWY_SSE2;
+// Whether a 256-entry table fits into registers and can be looked up there.
+inline constexpr bool kHaveByteTables = HWY_TARGET <= HWY_AVX3_DL;
+
+template <class Kernel>
+constexpr bool UsesVectors() {
+  if constexpr (requires { Kernel::kVectorWins; }) {
+    return kHaveVectors && Kernel::kVectorWins;
+  } else {
+    return kHaveVectors;
+  }
+}
+
+// The shortest vectors worth using: 16 bytes or 8 pixels, whatever is less.
+template <class D>
+constexpr bool CanHalve(D d) {
+  return hn::MaxLanes(d) * sizeof(hn::TFromD<D>) > 16 && hn::MaxLanes(d) > 8;
+}
+
+// One row of a kernel whose result does not depend on what it has already written to the row, so
+// that the last vector may overlap the one before: repacking, keyed copies.
+template <class D, class Kernel>
+HWY_INLINE void RepeatableRow(D d, const Kernel& kernel, uint8_t* HWY_RESTRICT dst,
+                              const uint8_t* HWY_RESTRICT src, size_t width) {
+  if constexpr (UsesVectors<Kernel>()) {
+    constexpr size_t kLanes = hn::MaxLanes(D());
+    if (width >= kLanes) {
+      size_t x = 0;
+      for (; x + kLanes <= width; x += kLanes) {
+        kernel.Vector(d, dst + x * Kernel::kDstBytes, src + x * Kernel::kSrcBytes);
+      }
+      if (x == width) return;
+      x = width - kLanes;
+      kernel.Vector(d, dst + x * Kernel::kDstBytes, src + x * Kernel::kSrcBytes);
+      return;
+    }
+    if constexpr (CanHalve(D())) {
+      RepeatableRow(hn::Half<D>(), kernel, dst, src, width);
+      return;
+    }
+  }
+  for (size_t x = 0; x < width; ++x) {
+    kernel.Pixel(dst + x * Kernel::kDstBytes, src + x * Kernel::kSrcBytes);
+  }
+}
+
+// All rows of such a kernel.
+template <class Kernel>
+HWY_INLINE void RepeatableRows(const Kernel& kernel, const SourceRows& rows) {
+  const SourceRows joined = Joined(rows, Kernel::kDstBytes, Kernel::kSrcBytes);
+  const hn::ScalableTag<typename Kernel::Lane> d;
+  ForEachRow(joined, [&](uint8_t* dst, const uint8_t* src) HWY_ATTR {
+    RepeatableRow(d, kernel, dst, src, joined.width);
+  });
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace pincel
+HWY_AFTER_NAMESPACE();
+
+#endif  // per-target include guard

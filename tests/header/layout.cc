@@ -1,0 +1,40 @@
+// The header must compile by itself, first in its file, with every compiler that a host may use. The
+// 32-bit layout is part of the interface: hosts in other languages rely on the offsets.
+#include "pincel.h"
+
+#include <stddef.h>
+
+#define SAME(condition) static_assert(condition, #condition)
+
+SAME(sizeof(TRGBA) == 4);
+SAME(offsetof(TRGBA, blue) == 0);
+SAME(offsetof(TRGBA, green) == 1);
+SAME(offsetof(TRGBA, red) == 2);
+SAME(offsetof(TRGBA, alpha) == 3);
+SAME(sizeof(CPunto) == 8);
+SAME(offsetof(CPunto, x) == 0);
+SAME(offsetof(CPunto, y) == 4);
+SAME(sizeof(CSize) == 8);
+SAME(offsetof(CSize, width) == 0);
+SAME(offsetof(CSize, height) == 4);
+SAME(sizeof(CRectangulo) == 16);
+SAME(offsetof(CRectangulo, left) == 0);
+SAME(offsetof(CRectangulo, top) == 4);
+SAME(offsetof(CRectangulo, right) == 8);
+SAME(offsetof(CRectangulo, bottom) == 12);
+
+SAME(offsetof(TSurfDesc, width) == 0);
+SAME(offsetof(TSurfDesc, height) == 4);
+SAME(offsetof(TSurfDesc, bpp) == 8);
+SAME(offsetof(TSurfDesc, rMask) == 12);
+SAME(offsetof(TSurfDesc, gMask) == 16);
+SAME(offsetof(TSurfDesc, bMask) == 20);
+SAME(offsetof(TSurfDesc, aMask) == 24);
+SAME(offsetof(TSurfDesc, colorKey) == 28);
+SAME(offsetof(TSurfDesc, pitch) == 32);
+#if UINTPTR_MAX == 0xFFFFFFFF
+SAME(offsetof(TSurfDesc, pixels) == 36);
+SAME(offsetof(TSurfDesc, palette) == 40);
+SAME(sizeof(TSurfDesc) == 44);
+SAME(sizeof(unsigned long) == 4);
+#endif
