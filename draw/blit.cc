@@ -24,11 +24,14 @@ template <class Format>
 void BlitSameDepth(const SourceRows& rows, const TSurfDesc& src) {
   if (HasKey(src)) {
     CopyKeyed(Format::kBytes, rows, TransparentValue<Format>(src.colorKey));
-  } else {
-    ForEachRow(rows, [bytes = OpaqueRowBytes<Format>(rows.width)](uint8_t* d, const uint8_t* s) {
-      std::memmove(d, s, bytes);
-    });
+    return;
   }
+  // Not at 24 bits, where each row leaves out its own last third.
+  const SourceRows copied =
+      Format::kBytes == 3 ? rows : Joined(rows, Format::kBytes, Format::kBytes);
+  ForEachRow(copied, [bytes = OpaqueRowBytes<Format>(copied.width)](uint8_t* d, const uint8_t* s) {
+    std::memmove(d, s, bytes);  // a surface may scroll within itself, upwards or sideways
+  });
 }
 
 // What an index of an 8-bit source becomes: alpha bits are 0 at 16 bits, the whole entry is stored

@@ -3,7 +3,8 @@
 #include "surface/format_dispatch.h"
 #include "surface/rows.h"
 
-static_assert(offsetof(TSurfDesc, pitch) == 32 && offsetof(TSurfDesc, pixels) % alignof(void*) == 0);
+static_assert(offsetof(TSurfDesc, pitch) == 32 &&
+              offsetof(TSurfDesc, pixels) % alignof(void*) == 0);
 static_assert(sizeof(void*) != 4 ||
               (offsetof(TSurfDesc, pixels) == 36 && offsetof(TSurfDesc, palette) == 40));
 

@@ -133,7 +133,9 @@ struct Argb8888 {
 
 // Whether a format packs its channels into a 16-bit word of known fields.
 template <class Format>
-concept PackedFields = requires { typename Format::Green; };
+concept PackedFields = requires {
+  typename Format::Green;
+};
 
 static_assert(Rgb565::Pack({0xFF, 0xFF, 0xFF}) == 0xFFFF && Rgb565::Pack({7, 3, 7}) == 0);
 static_assert(Rgb555::Pack({0xFF, 0xFF, 0xFF}) == 0x7FFF);

@@ -77,9 +77,8 @@ template <class Kernel>
 HWY_INLINE void RepeatableRows(const Kernel& kernel, const SourceRows& rows) {
   const SourceRows joined = Joined(rows, Kernel::kDstBytes, Kernel::kSrcBytes);
   const hn::ScalableTag<typename Kernel::Lane> d;
-  ForEachRow(joined, [&](uint8_t* dst, const uint8_t* src) HWY_ATTR {
-    RepeatableRow(d, kernel, dst, src, joined.width);
-  });
+  ForEachRow(joined, [&](uint8_t* dst, const uint8_t* src)
+                         HWY_ATTR { RepeatableRow(d, kernel, dst, src, joined.width); });
 }
 
 }  // namespace HWY_NAMESPACE
