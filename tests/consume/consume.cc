@@ -2,14 +2,14 @@
 #include <pincel.h>
 #include <stdio.h>
 
-static TSurfDesc Surface(uint32_t *pixels, int width, int height) {
+static TSurfDesc Surface(uint32_t* pixels, int width, int height) {
   TSurfDesc surface = TSurfDesc();
   surface.width = width;
   surface.height = height;
   surface.bpp = 32;
   surface.colorKey = 0xFFFFFFFF;
   surface.pitch = width * 4;
-  surface.pixels = reinterpret_cast<uint8_t *>(pixels);
+  surface.pixels = reinterpret_cast<uint8_t*>(pixels);
   return surface;
 }
 

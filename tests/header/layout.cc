@@ -1,8 +1,8 @@
 // The header must compile by itself, first in its file, with every compiler that a host may use. The
 // 32-bit layout is part of the interface: hosts in other languages rely on the offsets.
-#include "pincel.h"
-
 #include <stddef.h>
+
+#include "pincel.h"
 
 #define SAME(condition) static_assert(condition, #condition)
 

@@ -39,6 +39,22 @@ void Push(std::vector<uint32_t>& words, const Argument& argument) {
   std::memcpy(&words[at], &argument, sizeof(Argument));
 }
 
+// What a function called that way finds: esp mod 16 at its first instruction.
+extern "C" uint32_t StackProbe();
+asm(".globl _StackProbe\n"
+    "_StackProbe:\n\t"
+    "movl %esp, %eax\n\t"
+    "andl $15, %eax\n\t"
+    "ret");
+
+TEST(StackAlignment, TrampolineReachesEachOffset) {
+  const void* probe = reinterpret_cast<const void*>(&StackProbe);
+  for (uint32_t offset = 0; offset < 16; offset += 4) {
+    // The call itself has pushed four bytes.
+    EXPECT_EQ(CallAtOffset(offset, probe, {1, 2, 3}), (offset + 12) % 16);
+  }
+}
+
 uint32_t g_offset;
 
 // Arguments as the callee finds them on the stack: pointers in place of references.
@@ -52,9 +68,9 @@ bool Call(Function* function, const Arguments&... arguments) {
 struct Format {
   uint32_t bpp, red, alpha;
 };
-constexpr Format kFormats[] = {{8, 0, 0},           {16, 0xF800, 0}, {16, 0x7C00, 0},
-                               {16, 0x7C00, 0x8000}, {16, 0x0F00, 0xF000}, {24, 0, 0},
-                               {32, 0, 0xFF000000}};
+constexpr Format kFormats[] = {
+    {8, 0, 0},  {16, 0xF800, 0},    {16, 0x7C00, 0}, {16, 0x7C00, 0x8000}, {16, 0x0F00, 0xF000},
+    {24, 0, 0}, {32, 0, 0xFF000000}};
 
 class Picture {
  public:
