@@ -81,6 +81,68 @@ HWY_INLINE void RepeatableRows(const Kernel& kernel, const SourceRows& rows) {
                          HWY_ATTR { RepeatableRow(d, kernel, dst, src, joined.width); });
 }
 
+// The sources of a kernel that changes what is in the destination: bytes per pixel of each.
+template <size_t bytes>
+struct Stream {
+  static constexpr size_t kBytes = bytes;
+  const uint8_t* pixels;
+  HWY_INLINE const uint8_t* At(size_t x) const { return pixels + x * bytes; }
+};
+
+// One row of a kernel whose result depends on the destination, so that every pixel must be done
+// exactly once. Its functions read and write apart:
+//   Vector(d, out, dst, src...)  does Lanes(d) pixels
+//   Pixel(out, dst, src...)      does one pixel
+// The last vector overlaps the one before here too, but is computed first and stored last.
+template <class D, class Kernel, class... Source>
+HWY_INLINE void OnceRow(D d, const Kernel& kernel, size_t width, uint8_t* dst, Source... source) {
+  constexpr size_t kBytes = Kernel::kDstBytes;
+  if constexpr (UsesVectors<Kernel>()) {
+    constexpr size_t kLanes = hn::MaxLanes(D());
+    if (width >= kLanes) {
+      const size_t last = width - kLanes;
+      const bool overlaps = width % kLanes != 0;
+      uint8_t end[kLanes * kBytes];
+      if (overlaps) kernel.Vector(d, end, dst + last * kBytes, source.At(last)...);
+      for (size_t x = 0; x <= last; x += kLanes) {
+        kernel.Vector(d, dst + x * kBytes, dst + x * kBytes, source.At(x)...);
+      }
+      if (overlaps) std::memcpy(dst + last * kBytes, end, sizeof(end));
+      return;
+    }
+    if constexpr (CanHalve(D())) {
+      OnceRow(hn::Half<D>(), kernel, width, dst, source...);
+      return;
+    }
+  }
+  for (size_t x = 0; x < width; ++x) {
+    kernel.Pixel(dst + x * kBytes, dst + x * kBytes, source.At(x)...);
+  }
+}
+
+// All rows of such a kernel: without a source, with one (kSrcBytes), with a source and a mask
+// (kSrcBytes and kMaskBytes).
+template <class Kernel>
+HWY_INLINE void OnceRows(const Kernel& kernel, const Rows& rows) {
+  const hn::ScalableTag<typename Kernel::Lane> d;
+  ForEachRow(rows, [&](uint8_t* dst) HWY_ATTR { OnceRow(d, kernel, rows.width, dst); });
+}
+template <class Kernel>
+HWY_INLINE void OnceRows(const Kernel& kernel, const SourceRows& rows) {
+  const hn::ScalableTag<typename Kernel::Lane> d;
+  ForEachRow(rows, [&](uint8_t* dst, const uint8_t* src) HWY_ATTR {
+    OnceRow(d, kernel, rows.width, dst, Stream<Kernel::kSrcBytes>{src});
+  });
+}
+template <class Kernel>
+HWY_INLINE void OnceRows(const Kernel& kernel, const MaskedRows& rows) {
+  const hn::ScalableTag<typename Kernel::Lane> d;
+  ForEachRow(rows, [&](uint8_t* dst, const uint8_t* src, const uint8_t* mask) HWY_ATTR {
+    OnceRow(d, kernel, rows.width, dst, Stream<Kernel::kSrcBytes>{src},
+            Stream<Kernel::kMaskBytes>{mask});
+  });
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace pincel
 HWY_AFTER_NAMESPACE();

@@ -28,6 +28,12 @@ struct SourceRows : Rows {
   ptrdiff_t src_pitch;
 };
 
+// ... and the rows of a third surface that say how much of the source counts.
+struct MaskedRows : SourceRows {
+  const uint8_t* mask;
+  ptrdiff_t mask_pitch;
+};
+
 // `rect` is clipped and not empty.
 template <class Dst>
 Rows RowsOf(const TSurfDesc& dst, const CRectangulo& rect) {
@@ -38,8 +44,14 @@ template <class Dst, class Src>
 SourceRows RowsOf(const TSurfDesc& dst, const CRectangulo& rect, const TSurfDesc& src, CPunto at) {
   return {RowsOf<Dst>(dst, rect), PixelAt<Src>(src, at.x, at.y), src.pitch};
 }
+template <class Dst, class Src, class Mask>
+MaskedRows RowsOf(const TSurfDesc& dst, const CRectangulo& rect, const TSurfDesc& src, CPunto at,
+                  const TSurfDesc& mask, CPunto mask_at) {
+  return {RowsOf<Dst, Src>(dst, rect, src, at), PixelAt<Mask>(mask, mask_at.x, mask_at.y),
+          mask.pitch};
+}
 
-// Calls `row(dst)` or `row(dst, src)` for each row from the top. Always inlined, so that rows of code
+// Calls `row(dst)`, `row(dst, src)` or `row(dst, src, mask)` for each row from the top. Always inlined, so that rows of code
 // for a newer instruction set are inlined with it.
 template <class Row>
 [[gnu::always_inline]] inline void ForEachRow(const Rows& rows, Row&& row) {
@@ -49,6 +61,13 @@ template <class Row>
 [[gnu::always_inline]] inline void ForEachRow(const SourceRows& rows, Row&& row) {
   for (size_t y = 0; y < rows.height; ++y) {
     row(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.src + ptrdiff_t(y) * rows.src_pitch);
+  }
+}
+template <class Row>
+[[gnu::always_inline]] inline void ForEachRow(const MaskedRows& rows, Row&& row) {
+  for (size_t y = 0; y < rows.height; ++y) {
+    row(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.src + ptrdiff_t(y) * rows.src_pitch,
+        rows.mask + ptrdiff_t(y) * rows.mask_pitch);
   }
 }
 
