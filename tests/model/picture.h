@@ -5,6 +5,7 @@
 #define TESTS_MODEL_PICTURE_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,8 +19,8 @@ inline constexpr int kFormats[] = {8, 16, 17, 18, 19, 24, 32};
 struct Picture {
   int format = 32;  // 8, 16 (565), 17 (555), 18 (1555), 19 (4444), 24, 32
   int width = 0, height = 0;
-  int pitch = 0;             // may be odd, may be larger than the row, may be negative
-  int64_t origin = 0;        // index in `bytes` of pixel (0, 0)
+  int pitch = 0;       // may be odd, may be larger than the row, may be negative
+  int64_t origin = 0;  // index in `bytes` of pixel (0, 0)
   std::vector<uint8_t> bytes;
   uint32_t key = 0xFFFFFFFF;  // 0xFFFFFFFF: none
   uint32_t alpha_mask = 0;    // aMask of the descriptor
@@ -43,9 +44,7 @@ struct Picture {
     }
   }
   // One byte of a pixel's memory; i may run past the pixel (rules that read the following byte).
-  uint8_t Byte(int64_t x, int64_t y, int64_t i) const {
-    return bytes.at(size_t(Index(x, y) + i));
-  }
+  uint8_t Byte(int64_t x, int64_t y, int64_t i) const { return bytes.at(size_t(Index(x, y) + i)); }
 };
 
 // The descriptor that the library gets for a picture; points into it.
@@ -55,11 +54,19 @@ inline TSurfDesc Describe(Picture& p) {
   d.height = p.height;
   d.bpp = uint32_t(p.BytesPerPixel()) * 8;
   switch (p.format) {
-    case 16: d.rMask = 0xF800, d.gMask = 0x07E0, d.bMask = 0x001F; break;
+    case 16:
+      d.rMask = 0xF800, d.gMask = 0x07E0, d.bMask = 0x001F;
+      break;
     case 17:
-    case 18: d.rMask = 0x7C00, d.gMask = 0x03E0, d.bMask = 0x001F; break;
-    case 19: d.rMask = 0x0F00, d.gMask = 0x00F0, d.bMask = 0x000F; break;
-    default: d.rMask = 0xFF0000, d.gMask = 0x00FF00, d.bMask = 0x0000FF; break;
+    case 18:
+      d.rMask = 0x7C00, d.gMask = 0x03E0, d.bMask = 0x001F;
+      break;
+    case 19:
+      d.rMask = 0x0F00, d.gMask = 0x00F0, d.bMask = 0x000F;
+      break;
+    default:
+      d.rMask = 0xFF0000, d.gMask = 0x00FF00, d.bMask = 0x0000FF;
+      break;
   }
   d.aMask = p.alpha_mask;
   d.colorKey = p.key;

@@ -6,12 +6,14 @@
 #include <hwy/targets.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace support {
 
 template <class Body>
 void ForEachTarget(Body&& body) {
-  for (int64_t target : hwy::SupportedAndGeneratedTargets()) {
+  static const std::vector<int64_t> targets = hwy::SupportedAndGeneratedTargets();
+  for (int64_t target : targets) {
     SCOPED_TRACE(hwy::TargetName(target));
     hwy::SetSupportedTargetsForTest(target);
     hwy::GetChosenTarget().Update(target);
