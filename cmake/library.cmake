@@ -11,6 +11,7 @@ function(pincel_objects name)
   add_library(${name} OBJECT ${PINCEL_SOURCES})
   target_compile_definitions(${name} PRIVATE ${ARGN})
   target_link_libraries(${name} PRIVATE pincel_settings)
+  target_compile_options(${name} PRIVATE ${PINCEL_LIBRARY_WARNINGS})
   # Compile settings only: nothing but the two libraries below links the archive.
   target_include_directories(${name} SYSTEM PRIVATE
     $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>)
