@@ -58,9 +58,10 @@ bool IdxLineVI(TSurfDesc& dst, CPunto const& p, int len, unsigned long colour) {
 
 bool FrameBR(TSurfDesc& dst, CRectangulo rect, unsigned long colour) {
   using pincel::Coordinate;
-  const CPunto corner{rect.right, rect.bottom};
-  IdxLineHI(dst, corner, Coordinate(int64_t{rect.left} - rect.right), colour);
-  IdxLineVI(dst, corner, Coordinate(int64_t{rect.top} - rect.bottom), colour);
+  const auto [left, right] = std::minmax(rect.left, rect.right);
+  const auto [top, bottom] = std::minmax(rect.top, rect.bottom);
+  IdxFillRect(dst, {left, Coordinate(int64_t{rect.bottom} - 1), right, rect.bottom}, colour);
+  IdxFillRect(dst, {Coordinate(int64_t{rect.right} - 1), top, rect.right, bottom}, colour);
   return false;  // always. Intended.
 }
 
