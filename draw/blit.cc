@@ -4,6 +4,7 @@
 #include "draw/blit_pixel.h"
 #include "draw/blit_rows.h"
 #include "surface/clip.h"
+#include "surface/expand_rows.h"
 #include "surface/format_dispatch.h"
 #include "surface/palette.h"
 #include "surface/rows.h"
@@ -37,12 +38,8 @@ void BlitSameDepth(const SourceRows& rows, const TSurfDesc& src) {
 // What an index of an 8-bit source becomes: alpha bits are 0 at 16 bits, the whole entry is stored
 // at 32.
 template <class Format>
-typename Format::Word FromEntry(const TRGBA& entry) {
-  if constexpr (Format::kBytes == 4) {
-    return LoadWord<uint32_t>(&entry.blue);
-  } else {
-    return Format::Pack(ToBgr(entry));
-  }
+uint32_t FromEntry(uint32_t entry) {
+  return Format::kBytes == 4 ? entry : Format::Pack(ToBgr(entry));
 }
 
 }  // namespace
@@ -57,7 +54,10 @@ bool DrawBitmap(TSurfDesc& dst, CRectangulo rect, TSurfDesc& src, CPunto at) {
       BlitSameDepth<Format>(RowsOf<Format, Format>(dst, rect, src, at), src);
     } else if constexpr (Format::kBytes > 1) {
       if (src.bpp == 8) {
-        // palette path
+        const PixelTable table =
+            TableOf(PaletteOrDefault(src), [](uint32_t entry) { return FromEntry<Format>(entry); });
+        ExpandIndexed(Format::kBytes, RowsOf<Format, Indexed8>(dst, rect, src, at), table,
+                      HasKey(src));
       }
     }
     return true;  // pairs of other depths draw nothing
