@@ -20,7 +20,9 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/pincel-config-version.cma
 install(FILES ${PROJECT_BINARY_DIR}/pincel-config.cmake
   ${PROJECT_BINARY_DIR}/pincel-config-version.cmake DESTINATION ${package_dir})
 
-set(pc_static_libs "-lstdc++ -lm")
+# Found from where the file itself lies, so that an installed tree can move.
+file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/pincel.pc.in ${PROJECT_BINARY_DIR}/pincel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/pincel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
