@@ -46,20 +46,20 @@ constexpr Exported kRepackings[] = {
 struct Converted {
   uint32_t pixel, key;
 };
-Converted Run(Picture src, Picture dst, unsigned long mode = 0) {
+Converted Apply(Picture src, Picture dst, unsigned long mode = 0) {
   TSurfDesc d = model::Describe(dst), s = model::Describe(src);
   EXPECT_FALSE(Convert(d, s, mode));
   return {dst.Get(0, 0), d.colorKey};
 }
 uint32_t PixelTo(int to, int from, uint32_t pixel, unsigned long mode = 0) {
-  return Run(Filled(from, 1, 1, pixel), Filled(to, 1, 1, 0), mode).pixel;
+  return Apply(Filled(from, 1, 1, pixel), Filled(to, 1, 1, 0), mode).pixel;
 }
 uint32_t KeyTo(int to, int from, uint32_t key, unsigned long mode = 0, uint32_t alpha_mask = 0) {
   Picture src = Filled(from, 1, 1, 0), dst = Filled(to, 1, 1, 0);
   src.key = key;
   dst.key = 0x12345678;
   if (to == 32) dst.alpha_mask = alpha_mask;
-  return Run(src, dst, mode).key;
+  return Apply(src, dst, mode).key;
 }
 
 // Runs a conversion on every target and compares with the model: all bytes and the key of the
@@ -295,7 +295,7 @@ Converted Expanded(int to, const Picture& src, uint32_t alpha_mask = 0) {
   Picture dst = Filled(to, 1, 1, 0x5A5A5A5A);
   dst.key = 0x12345678;
   if (to == 32) dst.alpha_mask = alpha_mask;
-  return Run(src, dst);
+  return Apply(src, dst);
 }
 
 TEST(Convert, PixelsFromPalette) {
@@ -372,8 +372,8 @@ TEST(Convert, RedBlueExchangedForReductionsFrom24And32) {
     dst.has_palette = true;
     dst.palette[20] = {0, 0, 0xFF, 0};  // red
     dst.palette[30] = {0xFF, 0, 0, 0};  // blue
-    EXPECT_EQ(Run(Filled(from, 1, 1, 0x0000FF), dst, 2).pixel, 20u);
-    EXPECT_EQ(Run(Filled(from, 1, 1, 0xFF0000), dst, 2).pixel, 30u);
+    EXPECT_EQ(Apply(Filled(from, 1, 1, 0x0000FF), dst, 2).pixel, 20u);
+    EXPECT_EQ(Apply(Filled(from, 1, 1, 0xFF0000), dst, 2).pixel, 30u);
   }
 }
 
@@ -389,7 +389,7 @@ TEST(Convert, ReductionsFrom16DoNotExchange) {
   dst.has_palette = true;
   dst.palette[20] = {0, 0, 0xF8, 0};
   dst.palette[30] = {0xF8, 0, 0, 0};
-  EXPECT_EQ(Run(Filled(16, 1, 1, 0xF800), dst, 2).pixel, 20u);
+  EXPECT_EQ(Apply(Filled(16, 1, 1, 0xF800), dst, 2).pixel, 20u);
 }
 
 TEST(Convert, ModelCubeIndices) {
@@ -440,37 +440,37 @@ TEST(Convert, ReducedKeyedPixelsBecomeZero) {
     Picture src = Filled(from, 1, 1, 0x804020);
     src.key = 0x00804020;
     for (unsigned long mode : {3ul, 4ul}) {
-      const Converted c = Run(src, Filled(8, 1, 1, 9), mode);
+      const Converted c = Apply(src, Filled(8, 1, 1, 9), mode);
       EXPECT_EQ(c.pixel, 0u);
       EXPECT_EQ(c.key, 0u);
     }
     src.key = 0x00804021;
-    EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0x2Au);  // 001 010 10
+    EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0x2Au);  // 001 010 10
   }
 }
 
 TEST(Convert, ReducedKeyWithTopByteNeverMatches) {
   Picture src = Filled(32, 1, 1, 0xFF804020);
   src.key = 0xFF804020;
-  const Converted c = Run(src, Filled(8, 1, 1, 9), 3);
+  const Converted c = Apply(src, Filled(8, 1, 1, 9), 3);
   EXPECT_EQ(c.pixel, 0x2Au);
   EXPECT_EQ(c.key, 0u);
   src.key = 0x00804020;  // the pixel's own top byte does not matter
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
 }
 
 TEST(Convert, Reduced16BitKeyIsComparedInverted) {
   Picture src = Filled(16, 1, 1, 0xF800);
   src.key = 0xF800;  // a key as hosts write it: no effect on the pixel
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0xE0u);
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).key, 0u);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0xE0u);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).key, 0u);
   src.key = 0x0007FFFF;  // 0x00F80000 exclusive-or 0x00FFFFFF
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
   src = Filled(16, 1, 1, 0x07E0);
   src.key = 0xFCFF03FF;  // green stands in the top byte as well
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0u);
   src.key = 0x00FF03FF;
-  EXPECT_EQ(Run(src, Filled(8, 1, 1, 9), 3).pixel, 0x1Cu);
+  EXPECT_EQ(Apply(src, Filled(8, 1, 1, 9), 3).pixel, 0x1Cu);
 }
 
 TEST(Convert, ReducedKeyIsZeroOrNone) {
@@ -515,7 +515,7 @@ TEST(Convert8To8, SamePaletteIsNoCopyWhereEntriesRepeat) {
   src.has_palette = dst.has_palette = true;
   src.palette[3] = src.palette[200] = {1, 2, 3, 0};
   dst.palette = src.palette;
-  Run(src, dst);
+  Apply(src, dst);
   TSurfDesc d = model::Describe(dst), s = model::Describe(src);
   EXPECT_TRUE(Convert8_8(d, s));
   EXPECT_EQ(Pixels(dst), (Words{200, 200}));
