@@ -1,0 +1,81 @@
+// Where decoded pixels go: any surface format, row by row.
+#ifndef LOADERS_PIXEL_SINK_H_
+#define LOADERS_PIXEL_SINK_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "surface/pixel_format.h"
+
+namespace pincel {
+
+// The stored pixel of a colour with alpha; 16-bit formats keep the top bits of each byte.
+template <class Format>
+constexpr typename Format::Word PackWithAlpha(Bgr colour, uint8_t alpha) {
+  using Word = typename Format::Word;
+  if constexpr (PackedFields<Format>) {
+    return Word(Format::Pack(colour) | Format::Alpha::FromByte(alpha));
+  } else if constexpr (Format::kBytes == 4) {
+    return Format::Pack(colour) | Word{alpha} << 24;
+  } else {
+    return Format::Pack(colour);
+  }
+}
+template <class Format>
+constexpr typename Format::Word PackEntry(const TRGBA& entry) {
+  return PackWithAlpha<Format>(ToBgr(entry), entry.alpha);
+}
+
+template <class Format>
+void StoreRun(uint8_t* dst, typename Format::Word pixel, size_t width) {
+  for (size_t x = 0; x < width; ++x) Format::Store(dst + x * Format::kBytes, pixel);
+}
+
+// Stores palette indices as pixels: each index is packed once.
+template <class Format>
+class IndexSink {
+ public:
+  explicit IndexSink(const TRGBA* colours) {
+    for (int i = 0; i < 256; ++i) pixels_[i] = PackEntry<Format>(colours[i]);
+  }
+  void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
+    for (size_t x = 0; x < width; ++x) {
+      Format::Store(dst + x * Format::kBytes, pixels_[indices[x]]);
+    }
+  }
+  void Run(uint8_t* dst, uint8_t index, size_t width) const {
+    StoreRun<Format>(dst, pixels_[index], width);
+  }
+
+ private:
+  typename Format::Word pixels_[256];
+};
+
+// 8-bit surfaces take the indices as they are; the colours go to the palette.
+template <>
+class IndexSink<Indexed8> {
+ public:
+  explicit IndexSink(const TRGBA*) {}
+  void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
+    std::memcpy(dst, indices, width);
+  }
+  void Run(uint8_t* dst, uint8_t index, size_t width) const { std::memset(dst, index, width); }
+};
+
+// Gives an 8-bit surface's palette the first `count` colours of an image; fourth bytes are kept.
+// Every black entry but entry 0 then becomes almost black: index 0 is the only pure black, and the
+// transparent one. Intended.
+inline void SetImagePalette(TRGBA* palette, const TRGBA* colours, int count) {
+  for (int i = 0; i < count; ++i) {
+    palette[i] = {colours[i].blue, colours[i].green, colours[i].red, palette[i].alpha};
+  }
+  for (int i = 255; i >= 1; --i) {
+    TRGBA& entry = palette[i];
+    if (entry.blue == 0 && entry.green == 0 && entry.red == 0) entry.blue = 1;
+  }
+}
+
+}  // namespace pincel
+
+#endif  // LOADERS_PIXEL_SINK_H_
