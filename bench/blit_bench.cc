@@ -41,8 +41,7 @@ void AddOpaque(Format f, int size) {
   });
   AddMemcpy("blit opaque", Depth(f), size, count, 2 * row_bytes * size_t(count));
   AddMemcpy("CopyImage", Depth(f), size, count, 2 * size_t(Bytes(f)) * size_t(count));
-  for (const char* operation : {"blit opaque", "CopyImage"}) {
-    (void)operation;
+  for (const std::string operation : {"blit opaque", "CopyImage"}) {
 #if PINCEL_BENCH_SDL2
     Add(operation, Depth(f), size, "SDL2", count, [=](Random& random) {
       auto p = RandomPair(f, f, size, random);
@@ -88,12 +87,17 @@ void AddKeyed(Format dst, Format src, int size) {
   });
   AddMemcpy(operation, format, size, count, size_t(Bytes(dst) + Bytes(src)) * size_t(count));
 #if PINCEL_BENCH_SDL2
-  Add(operation, format, size, "SDL2", count, [=](Random& random) {
-    auto p = SpritePair(dst, src, size, random);
-    auto from = Sdl(p->src);
-    SDL_SetColorKey(from.get(), SDL_TRUE, 0);
-    return [p, from, to = Sdl(p->dst)] { SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr); };
-  });
+  // The second form holds the sprite in a code of runs that is made beforehand.
+  for (const bool coded : {false, true}) {
+    if (coded && dst != src) continue;
+    Add(operation, format, size, coded ? "SDL2 coded" : "SDL2", count, [=](Random& random) {
+      auto p = SpritePair(dst, src, size, random);
+      auto from = Sdl(p->src), to = Sdl(p->dst);
+      SDL_SetColorKey(from.get(), SDL_TRUE, 0);
+      SDL_SetSurfaceRLE(from.get(), coded);
+      return [p, from, to] { SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr); };
+    });
+  }
 #endif
 #if PINCEL_BENCH_OPENCV
   // The mask is made beforehand.

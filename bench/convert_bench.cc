@@ -120,7 +120,7 @@ void AddConversion(Format dst, Format src, int size, unsigned long mode = 0, boo
     Add(operation, format, size, "SDL2", count, [=](Random& random) {
       auto p = RandomPair(dst, src, size, photo, random);
       auto from = Sdl(p->src), to = Sdl(p->dst);
-      return [=] { SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr); };
+      return [p, from, to] { SDL_BlitSurface(from.get(), nullptr, to.get(), nullptr); };
     });
   }
 #endif
