@@ -549,4 +549,387 @@ PINCEL_API bool LoadPGF(TSurfDesc &surface, unsigned char *data);
 
 /** @} */
 
+/** @defgroup mix Mixing, masks and fades
+ * Levels count in 256ths of the source. Colours between are d + floor((s - d) x weight / 256) for
+ * each channel, except where a text says otherwise.
+ *
+ * *Sources* have the destination's layout, or 8 bits: then their palette (#lu_gPaleta when it has
+ * none) stands for the pixels. The colour key is not consulted. Points are not checked against their
+ * surfaces; they move with the clipping.
+ *
+ * *16-bit destinations* mix the blue, green and red fields; **the alpha bits of every mixed pixel
+ * become 0**. Several kernels work on groups of four pixels, counted from the left of the clipped
+ * rectangle, and treat the 0 to 3 pixels at the end of each row by other rules. That is a property
+ * of the result on every machine.
+ *
+ * *8-bit destinations* mix the colours that **#lu_gPaleta** has for the indices, whatever palettes
+ * the surfaces carry, pack the result as 565 and look it up in the caller's `table`: two planes of
+ * 65536 indices. Pixel (x, y) uses plane (x + y + 1) mod 2, so different planes give a checkerboard
+ * dither; pincel_build_mix_table() makes a table. Other formats do not read it; it may be null.
+ * @{ */
+
+/** Draws a source at one level.
+ *
+ * *32 and 24 bits*: only the low byte of the level counts, **256 leaves the destination unchanged**.
+ * All four bytes of a 32-bit pixel are mixed. *16 bits*: groups of four take the low byte of the
+ * level, the end of a row all 16 bits. When the low byte is 255, **the first four pixels of each row
+ * become copies of the source**, alpha bits included; the others keep a rest of the destination.
+ *
+ * The levels **64, 128 and 192** have shift-and-mask forms, where each term is cut on its own: at
+ * 128, (s >> 1) + (d >> 1). At 16 bits, green and red of a group sum before they are cut; and **at
+ * 128 the end of a row of 555, 1555 or 4444 loses the top bit of each half**.
+ *
+ * *8-bit sources*: at 32 bits the fourth byte is mixed with the weight of the blue byte just written
+ * to its left neighbour (0 at the start of a row), at 192 it keeps the source's terms only, at 64
+ * the destination's. At 16 bits the weight is 256 - (level XOR 255), no groups.
+ * @param dst destination, any format.
+ * @param rect destination rectangle; clipped.
+ * @param level weight of the source, 0..255 of 256; larger values as above (8 bits: 256 gives the
+ *        source's colour).
+ * @param src source. @param at source pixel that lands on the rectangle's top-left corner.
+ * @param table see the head of this group; needed for 8-bit destinations.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
+                        TSurfDesc &src, CPunto const &at, unsigned char (*const table)[65536]);
+
+/** The 8-bit form of DrawMix at one level; the source is read one byte a pixel.
+ * @param dst 8-bit destination. @param rect destination rectangle; clipped.
+ * @param level weight of the source, all 16 bits; 256 gives exactly the source's colour.
+ * @param src 8-bit source. @param at source pixel of the rectangle's top-left corner.
+ * @param table two planes of 65536 indices.
+ * @return true; false when the destination has not 8 bits. */
+PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
+                              TSurfDesc &src, CPunto const &at,
+                              unsigned char (*const table)[65536]);
+
+/** Draws a source through an alpha surface.
+ *
+ * An alpha byte a of 0 leaves the pixel as it is, alpha bits included; 255 copies the source pixel
+ * whole; anything between mixes with weight a + 1. *16 bits*: a source of the destination's layout
+ * with an 8-bit alpha surface uses weight a, and **in a group of four only four bytes of 255 copy**;
+ * an alpha surface of any other depth is read two bytes a pixel, low byte first, with weight a + 1
+ * and no groups; an 8-bit source has weight a + 2.
+ * @param dst destination, any format.
+ * @param rect destination rectangle; clipped.
+ * @param alpha alpha surface, one byte a pixel (see above for 16 bits).
+ * @param alphaAt alpha pixel of the rectangle's top-left corner.
+ * @param src source. @param srcAt source pixel of the rectangle's top-left corner.
+ * @param table see the head of this group; needed for 8-bit destinations.
+ * @return true; false for an unsupported format and, **at 32 and 24 bits only, for an empty
+ *         area**. */
+PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
+                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+                        unsigned char (*const table)[65536]);
+
+/** The 8-bit form of DrawMix through an alpha surface.
+ *
+ * 0 leaves the pixel, 255 copies the source index, anything between mixes with weight a + 1.
+ * @param dst 8-bit destination. @param rect destination rectangle; clipped.
+ * @param alpha alpha surface, one byte a pixel. @param alphaAt its pixel of the top-left corner.
+ * @param src 8-bit source. @param srcAt its pixel of the top-left corner.
+ * @param table two planes of 65536 indices.
+ * @return true; false, with nothing drawn, when the destination or the source has not 8 bits. */
+PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
+                              CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+                              unsigned char (*const table)[65536]);
+
+/** Draws a source through an alpha surface and a level.
+ *
+ * Each alpha byte becomes (a x level / 256) mod 256 first; then 0 leaves the pixel, 255 copies the
+ * source, anything between mixes with itself as weight (16 bits: as DrawMix through an alpha
+ * surface). **At 32 and 24 bits the source is read from column `srcAt.y`, row `srcAt.y` on, neither
+ * moved by clipping**, in the destination's layout only; `srcAt.x` is not read.
+ * @param dst destination of 16, 24 or 32 bits.
+ * @param rect destination rectangle; clipped.
+ * @param alpha alpha surface. @param alphaAt its pixel of the rectangle's top-left corner.
+ * @param src source. @param srcAt see above; at 16 bits the pixel of the top-left corner.
+ * @param level scale of the alpha bytes, 256 keeps them.
+ * @return true; false for an unsupported format, 8 bits included. */
+PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
+                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+                        unsigned short level);
+
+/** Draws a background, then a source through an alpha surface over it.
+ * @param dst destination, any format. @param rect destination rectangle; clipped.
+ * @param alpha,alphaAt,src,srcAt,table as for DrawMix through an alpha surface.
+ * @param back background, drawn with DrawBitmap (its key counts).
+ * @param backAt its pixel of the rectangle's top-left corner.
+ * @return false when DrawBitmap returns false, and then nothing is mixed; else that of DrawMix. */
+PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
+                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+                        TSurfDesc &back, CPunto const &backAt,
+                        unsigned char (*const table)[65536]);
+
+/** Draws a background, then a source at one level over it.
+ * @param dst destination, any format. @param rect destination rectangle; clipped.
+ * @param level,src,srcAt,table as for DrawMix at one level.
+ * @param back background, drawn with DrawBitmap (its key counts).
+ * @param backAt its pixel of the rectangle's top-left corner.
+ * @return false when DrawBitmap returns false, and then nothing is mixed; else that of DrawMix. */
+PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
+                        TSurfDesc &src, CPunto const &srcAt, TSurfDesc &back, CPunto const &backAt,
+                        unsigned char (*const table)[65536]);
+
+/** Paints a colour through a mask.
+ *
+ * A mask byte m of 0 keeps the pixel, 255 stores the colour whole, anything between mixes with
+ * weight m + 1; at 32 bits all four bytes.
+ * @param dst destination, any format.
+ * @param rect destination rectangle; clipped.
+ * @param mask mask surface: one byte a pixel, or 32 bits, whose first byte counts.
+ * @param maskAt mask pixel of the rectangle's top-left corner.
+ * @param colour packed, in the destination's layout; true colour on 8-bit destinations.
+ * @param table see the head of this group; needed for 8-bit destinations.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool DrawMask(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &mask,
+                         CPunto const &maskAt, unsigned long colour,
+                         unsigned char (*const table)[65536]);
+
+/** The 8-bit form of DrawMask: weight m, so that **255 mixes too and leaves a rest**.
+ * @param dst 8-bit destination. @param rect destination rectangle; clipped.
+ * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
+ * @param colour true colour 0x00RRGGBB. @param table two planes of 65536 indices.
+ * @return true; false, with nothing drawn, when the destination or the mask has not 8 bits. */
+PINCEL_API bool DrawMask_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &mask,
+                               CPunto const &maskAt, unsigned long colour,
+                               unsigned char (*const table)[65536]);
+
+/** Tints a rectangle with a colour at one level.
+ *
+ * *32 and 24 bits*: weight (level AND 255) + 1, all four bytes. *16 bits*: groups of four have the
+ * weight level AND 255, and **store the whole colour at 255**; the end of a row takes all 16 bits of
+ * the level.
+ * @param dst destination of 16, 24 or 32 bits.
+ * @param rect rectangle; clipped.
+ * @param colour packed, in the destination's layout.
+ * @param level weight of the colour in 256ths.
+ * @return true; false for an unsupported format, 8 bits included. */
+PINCEL_API bool MaskFillRect(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                             unsigned short level);
+
+/** Tints a rectangle of an 8-bit surface.
+ *
+ * The destination weighs (256 - level) AND 255, so **level 0 looks up key 0 everywhere**; and **each
+ * entry's blue is mixed with the colour's red**, into the key's red, and the other way round.
+ * @param dst 8-bit destination. @param rect rectangle; clipped.
+ * @param colour true colour 0x00RRGGBB. @param level weight of the colour in 256ths.
+ * @param table two planes of 65536 indices.
+ * @return true; false when the destination has not 8 bits. */
+PINCEL_API bool MaskFillRect_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                                   unsigned short level, unsigned char (*const table)[65536]);
+
+/** Darkens and lightens through a two-sided mask.
+ *
+ * A mask byte below 128 darkens with the strength (127 - m) x level / 128, one from 128 on lightens
+ * with (m - 128) x level / 128. Strength 0 keeps the pixel; from 254 on its colour bytes become those
+ * of #lu_gPaleta entry 0 (darken) or 255 (lighten). **Anything between writes a grey that does not
+ * depend on the pixel**: 256 - strength in all three bytes. At 32 bits the fourth byte becomes the
+ * entry's blue plus the pixel's old blue; **at 24 bits the byte behind the pixel changes** (the
+ * square of that sum / 256), also behind the last pixel of a row. Rows are done from the last to the
+ * first.
+ * @param dst destination of 32, 24 or 8 bits.
+ * @param level 128 spans half the strength, 256 all of it.
+ * @param rect destination rectangle; clipped.
+ * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
+ * @param table needed for 8-bit destinations.
+ * @return true; false for any other depth, 16 bits included. */
+PINCEL_API bool DrawBiMask(TSurfDesc &dst, unsigned short level, CRectangulo rect, TSurfDesc &mask,
+                           CPunto maskAt, unsigned char (*const table)[65536]);
+
+/** The 8-bit form of DrawBiMask.
+ *
+ * From strength 254 on the index itself becomes 0 or 255; between, the entry's colour is mixed with
+ * black or white, **blue into the key's red and red into its blue**, and looked up in **the first
+ * plane only**.
+ * @param dst 8-bit destination. @param level as for DrawBiMask.
+ * @param rect destination rectangle; clipped.
+ * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
+ * @param table planes of 65536 indices; the first is read.
+ * @return true; false when the destination has not 8 bits. */
+PINCEL_API bool DrawBiMask_8Bits(TSurfDesc &dst, unsigned short level, CRectangulo rect,
+                                 TSurfDesc &mask, CPunto maskAt,
+                                 unsigned char (*const table)[65536]);
+
+/** Draws a source that fades out from left to right.
+ *
+ * Every row starts at one level, holds it for `hold` + 1 pixels and then falls by `step` per pixel.
+ * The level is a word with a weight in every byte, for the bytes of a pixel (at 16 bits byte 0 for
+ * blue, 1 for green, 2 for red). It is **not clamped**: it falls as one 32-bit number, so a byte
+ * that passes below zero wraps and borrows from the next. A level of 256 is the word 0x01010100.
+ * @param dst destination of 16, 24 or 32 bits.
+ * @param rect destination rectangle; clipped. Each row's level starts at the clipped left edge.
+ * @param src source of the destination's layout, whatever depth it claims.
+ * @param at source pixel of the rectangle's top-left corner.
+ * @param start above 0: the level starts at 0; else at 256 - |start| x `step`.
+ * @param step fall per pixel. @param hold pixels before it falls, less one; negative counts as 0.
+ * @return true; false for an unsupported format, 8 bits included. */
+PINCEL_API bool OpenFader(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                          CPunto const &at, int start, int step, int hold);
+
+/** @} */
+
+/** @defgroup blend Blend modes
+ * Seven formulas that combine each channel of the destination, a, with that of a source, b, both
+ * 0..255; divisions truncate.
+ *
+ * | function     | mode     | 24 and 32 bits                              | 565, 555, 1555, 4444    |
+ * |--------------|----------|---------------------------------------------|-------------------------|
+ * | DoSuma       | add      | min(a + b, 255)                             | the same                |
+ * | DoResta      | subtract | max(a - b, 0)                               | the same                |
+ * | DoMultiplica | multiply | a b / 256                                   | the same                |
+ * | DoScreen     | screen   | 255 - (255 - a)(255 - b) / 256              | ... / 255               |
+ * | DoLighten    | lighten  | max(a, b)                                   | the same                |
+ * | DoDarken     | darken   | min(a, b)                                   | the same                |
+ * | DoSuperponer | overlay  | a < 128: a b / 128                          | 2 a b / 255             |
+ * | ^            | ^        | else: 255 - (255 - a)(255 - b) / 128        | 255 - 2 (255 - a)(255 - b) / 255 |
+ *
+ * **The divisors differ by format**; intended. So full by full multiplies to 254, and screening
+ * black with black gives 1 at 24 and 32 bits, 0 at 16.
+ *
+ * *Shapes.* Each function has three: a source; a colour through a mask; a source through a mask.
+ * The source has the destination's format. The mask is read one byte per pixel, whatever its
+ * descriptor's depth: 0 leaves the destination pixel as it is, 255 is nearly the full blend. The
+ * rectangle is clipped to the destination, and the points move with it; source and mask are not
+ * clipped, the areas that the rectangle covers must lie inside them.
+ *
+ * *Formats.* 565, 555, 1555, 4444, 24 and 32 bits; 555 and 1555 alike. 16-bit fields are blended at
+ * the top of a byte, low bits 0, and truncated back. **The alpha bits of a blended 1555 or 4444
+ * pixel become 0.** The fourth byte of 32-bit pixels is **blended like a channel** by DoSuma,
+ * DoResta, DoMultiplica and DoScreen, and kept by DoLighten, DoDarken and DoSuperponer.
+ *
+ * *Colours* are 0xAARRGGBB, truncated to the fields of a 16-bit destination; AA is read at 32 bits
+ * only.
+ *
+ * *Transparency* concerns the source shape alone; a mask takes no notice of colour keys. Source
+ * pixels equal to the key leave the destination as it is: compared are 16 bits, or the low 24 bits
+ * at 24 and 32. **Without a key, pixels of value 0 are transparent**, so black neither multiplies
+ * nor darkens; intended.
+ *
+ * *Mask weights.* At a mask byte m other than 0 each channel d of the destination goes towards its
+ * blend t, to d + (t - d) m / 256, rounded down; 16-bit fields do so in their own precision.
+ * **DoSuma and DoResta at 24 and 32 bits weigh with m + 256 b instead of m**, b being the channel of
+ * the source or colour, so that a byte becomes (((t - d)(m + 256 b) + 256 d) mod 65536) / 256;
+ * intended.
+ *
+ * *Results.* True when pixels were processed, even if none changed. False, and nothing drawn, for
+ * other formats and when the clipped rectangle is empty; in the first two shapes also when the
+ * point, as passed in, lies outside the source or the mask. **With both a source and a mask the
+ * points are not tested.**
+ * @{ */
+
+/** Adds a source: min(a + b, 255).
+ * @param dst destination, 16 bits or more.
+ * @param rect destination rectangle; clipped.
+ * @param src source of the same format; its transparent pixels are left out.
+ * @param at source pixel that lands on the rectangle's top-left corner; must lie inside.
+ * @return see the group. */
+PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
+
+/** Adds a colour through a mask.
+ * @param dst destination, 16 bits or more.
+ * @param rect destination rectangle; clipped.
+ * @param colour 0xAARRGGBB.
+ * @param mask one byte per pixel, 0..255.
+ * @param maskAt mask byte that lands on the rectangle's top-left corner; must lie inside.
+ * @return see the group. */
+PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                       TSurfDesc &mask, CPunto const &maskAt);
+
+/** Adds a source through a mask; no pixel is transparent.
+ * @param dst destination, 16 bits or more.
+ * @param rect destination rectangle; clipped.
+ * @param src source of the same format.
+ * @param srcAt source pixel that lands on the rectangle's top-left corner.
+ * @param mask one byte per pixel, 0..255.
+ * @param maskAt mask byte that lands on the rectangle's top-left corner.
+ * @return see the group. */
+PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                       CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+
+/** @name Subtract: max(a - b, 0).
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
+PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                        TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                        CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @name Multiply: a b / 256; darkens.
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                             CPunto const &at);
+PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                             TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                             CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @name Screen: multiplies the complements; lightens.
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
+PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                         TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                         CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @name Lighten: the larger of both, channel by channel.
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                          CPunto const &at);
+PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                          TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                          CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @name Darken: the smaller of both, channel by channel.
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
+PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                         TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                         CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @name Overlay: multiplies where the destination is below 128, screens elsewhere.
+ * Arguments and results as those of DoSuma.
+ * @{ */
+PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                             CPunto const &at);
+PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+                             TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
+                             CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+/** @} */
+
+/** @} */
+
+/** @defgroup additions Additions
+ * Helpers with C linkage and the prefix `pincel_`, beside the interface proper. @{ */
+
+extern "C" {
+
+/** Builds the table that the 8-bit mixing functions look colours up in.
+ *
+ * Each key stands for a colour, its fields widened to bytes with the top bits repeated below. Without
+ * dither both planes hold the nearest palette entry (smallest squared distance, the lowest index
+ * among equals). With dither the first plane holds the nearest and the second the entry nearest to
+ * the colour mirrored at it, so that a checkerboard of the two averages to the colour.
+ * @param table receives two planes of 65536 indices.
+ * @param palette 256 entries; for the functions here, #lu_gPaleta.
+ * @param dither 0 for equal planes. */
+PINCEL_API void pincel_build_mix_table(unsigned char table[2][65536], const TRGBA palette[256],
+                                       int dither);
+
+} /* extern "C" */
+
+/** @} */
+
 #endif /* PINCEL_H_ */

@@ -39,10 +39,10 @@ constexpr bool UsesVectors() {
   }
 }
 
-// The shortest vectors worth using: 16 bytes or 8 pixels, whatever is less.
+// The shortest vectors worth using have 16 bytes.
 template <class D>
 constexpr bool CanHalve(D d) {
-  return hn::MaxLanes(d) * sizeof(hn::TFromD<D>) > 16 && hn::MaxLanes(d) > 8;
+  return hn::MaxLanes(d) * sizeof(hn::TFromD<D>) > 16;
 }
 
 // One row of a kernel whose result does not depend on what it has already written to the row, so

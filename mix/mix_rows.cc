@@ -1,0 +1,447 @@
+#include "mix/mix_rows.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "mix/mix_rows.cc"
+#include "hwy/foreach_target.h"  // must come before highway.h
+#include "hwy/highway.h"
+#include "surface/row_kernels-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pincel {
+namespace HWY_NAMESPACE {
+
+template <class T>
+HWY_INLINE const T* As(const uint8_t* p) {
+  return reinterpret_cast<const T*>(p);
+}
+template <class T>
+HWY_INLINE T* As(uint8_t* p) {
+  return reinterpret_cast<T*>(p);
+}
+
+// Bytes at even and odd places, each in a lane of 16 bits: neither has to be moved.
+template <class D8, class V16>
+HWY_INLINE hn::VFromD<D8> MixBytes(D8 d8, hn::VFromD<D8> dst, hn::VFromD<D8> src, V16 even_weight,
+                                   V16 odd_weight) {
+  const hn::Repartition<uint16_t, D8> d16;
+  const auto d = hn::BitCast(d16, dst), s = hn::BitCast(d16, src);
+  const auto low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
+  const auto even_difference = hn::Sub(hn::And(s, low), hn::And(d, low));
+  const auto odd_difference = hn::Sub(hn::ShiftRight<8>(s), hn::ShiftRight<8>(d));
+  const auto even = hn::Add(hn::ShiftLeft<8>(d), hn::Mul(even_difference, even_weight));
+  const auto odd = hn::Add(hn::And(d, high), hn::Mul(odd_difference, odd_weight));
+  return hn::BitCast(d8, hn::Or(hn::ShiftRight<8>(even), hn::And(odd, high)));
+}
+
+// Scaled mask bytes in lanes of 16 bits.
+template <class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 ScaledBytes(D16 d16, V16 bytes, MaskRule rule) {
+  // Only the low 16 bits of the product matter.
+  return hn::ShiftRight<8>(hn::Mul(bytes, hn::Set(d16, uint16_t(rule.level))));
+}
+template <class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 ByteWeights(D16 d16, V16 bytes, MaskRule rule) {
+  const auto scaled = ScaledBytes(d16, bytes, rule);
+  const auto between = hn::Add(scaled, hn::Set(d16, uint16_t(rule.added)));
+  const auto full = hn::Eq(scaled, hn::Set(d16, 255));
+  return hn::IfThenElse(full, hn::Set(d16, 256),
+                        hn::IfThenZeroElse(hn::Eq(scaled, hn::Zero(d16)), between));
+}
+
+template <class F, class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 GetField(D16 d16, V16 word) {
+  const auto low = hn::ShiftRight<F::kLow>(word);
+  if constexpr (F::kLow + F::kWidth == 16) return low;
+  return hn::And(low, hn::Set(d16, F::kMax));
+}
+template <class F, class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 PutField(D16 d16, V16 value) {
+  if constexpr (F::kLow + F::kWidth == 16) return hn::ShiftLeft<F::kLow>(value);
+  return hn::ShiftLeft<F::kLow>(hn::And(value, hn::Set(d16, F::kMax)));
+}
+template <class F, class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 MixFieldOf(D16 d16, V16 dst, V16 src, V16 weight) {
+  const auto from = GetField<F>(d16, dst), to = GetField<F>(d16, src);
+  const auto part = hn::ShiftRight<8>(hn::Mul(hn::Sub(to, from), weight));
+  return PutField<F>(d16, hn::Add(from, part));
+}
+// A weight for each field.
+template <class Format, class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 MixFieldsOf(D16 d16, V16 dst, V16 src, V16 blue, V16 green, V16 red) {
+  return hn::Or(MixFieldOf<typename Format::Blue>(d16, dst, src, blue),
+                hn::Or(MixFieldOf<typename Format::Green>(d16, dst, src, green),
+                       MixFieldOf<typename Format::Red>(d16, dst, src, red)));
+}
+
+struct MixByteKernel {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
+  int weight;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    const auto w = hn::Set(hn::Repartition<uint16_t, D>(), uint16_t(weight));
+    hn::StoreU(MixBytes(d, hn::LoadU(d, dst), hn::LoadU(d, src), w, w), d, out);
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    *out = MixByte(*dst, *src, weight);
+  }
+};
+
+template <class Format>
+struct MixFieldKernel {
+  using Lane = uint16_t;
+  static constexpr size_t kDstBytes = 2, kSrcBytes = 2;
+  uint32_t weight;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    const auto w = hn::Set(d, uint16_t(weight));
+    const auto mixed =
+        MixFieldsOf<Format>(d, hn::LoadU(d, As<Lane>(dst)), hn::LoadU(d, As<Lane>(src)), w, w, w);
+    hn::StoreU(mixed, d, As<Lane>(out));
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    Format::Store(out, MixFields<Format>(Format::Load(dst), Format::Load(src), weight));
+  }
+};
+
+// The shift-and-mask formula on vectors of any lane.
+template <int quarters, class D, class V = hn::VFromD<D>>
+HWY_INLINE V MixQuartersOf(D d, V dst, V src, hn::TFromD<D> half, hn::TFromD<D> quarter) {
+  const auto part = [&](V v, auto shift, hn::TFromD<D> mask)
+                        HWY_ATTR { return hn::And(hn::ShiftRight<shift()>(v), hn::Set(d, mask)); };
+  constexpr std::integral_constant<int, 1> one;
+  constexpr std::integral_constant<int, 2> two;
+  if constexpr (quarters == 2) {
+    return hn::Add(part(src, one, half), part(dst, one, half));
+  } else {
+    const V more = quarters == 3 ? src : dst, less = quarters == 3 ? dst : src;
+    return hn::Add(hn::Add(part(more, one, half), part(more, two, quarter)),
+                   part(less, two, quarter));
+  }
+}
+
+template <int quarters>
+struct MixByteQuartersKernel {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
+  static constexpr uint32_t kHalf = 0x7F7F7F7F, kQuarter = 0x3F3F3F3F;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    const hn::Repartition<uint32_t, D> d32;
+    const auto mixed =
+        MixQuartersOf<quarters>(d32, hn::BitCast(d32, hn::LoadU(d, dst)),
+                                hn::BitCast(d32, hn::LoadU(d, src)), kHalf, kQuarter);
+    hn::StoreU(hn::BitCast(d, mixed), d, out);
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    *out = uint8_t(MixQuarters(*dst, *src, quarters, kHalf, kQuarter));
+  }
+};
+
+template <class Format, int quarters, Quarters form>
+struct MixFieldQuartersKernel {
+  using Lane = uint16_t;
+  static constexpr size_t kDstBytes = 2, kSrcBytes = 2;
+  static constexpr bool kVectorWins = form != Quarters::kAtRowEnd;  // three pixels at most
+
+  template <class F, class D, class V = hn::VFromD<D>>
+  static HWY_INLINE V SumThenCut(D d, V dst, V src) {
+    const auto field = hn::Set(d, uint16_t(F::kMask));
+    const auto sum = MixQuartersOf<quarters>(d, hn::And(dst, field), hn::And(src, field),
+                                             uint16_t(0xFFFF), uint16_t(0xFFFF));
+    return hn::And(sum, field);
+  }
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    const auto to = hn::LoadU(d, As<Lane>(dst)), from = hn::LoadU(d, As<Lane>(src));
+    if constexpr (form == Quarters::kInGroup) {
+      using Blue = typename Format::Blue;
+      const auto blue = MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfField<Blue>),
+                                                uint16_t(kQuarterField<Blue>));
+      const auto green = SumThenCut<typename Format::Green>(d, to, from);
+      const auto red = SumThenCut<typename Format::Red>(d, to, from);
+      hn::StoreU(hn::Or(blue, hn::Or(green, red)), d, As<Lane>(out));
+    } else {
+      hn::StoreU(MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfMask<Format>),
+                                         uint16_t(kQuarterMask<Format>)),
+                 d, As<Lane>(out));
+    }
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
+    const uint32_t d = Format::Load(dst), s = Format::Load(src);
+    if constexpr (form == Quarters::kInGroup) {
+      Format::Store(out, MixQuartersInGroup<Format>(d, s, quarters));
+    } else if constexpr (form == Quarters::kAtRowEnd) {
+      Format::Store(out, MixQuartersAtRowEnd<Format>(d, s, quarters));
+    } else {
+      Format::Store(out,
+                    uint16_t(MixQuarters(d, s, quarters, kHalfMask<Format>, kQuarterMask<Format>)));
+    }
+  }
+};
+
+struct MixMaskedKernel32 {
+  using Lane = uint32_t;
+  static constexpr size_t kDstBytes = 4, kSrcBytes = 4, kMaskBytes = 1;
+  MaskRule rule;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* mask) const {
+    const hn::Repartition<uint8_t, D> d8;
+    const hn::Repartition<uint16_t, D> d16;
+    const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
+    const auto pairs = hn::BitCast(d16, hn::Or(bytes, hn::ShiftLeft<16>(bytes)));
+    const auto weights = ByteWeights(d16, pairs, rule);
+    hn::StoreU(MixBytes(d8, hn::LoadU(d8, dst), hn::LoadU(d8, src), weights, weights), d8, out);
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* mask) const {
+    const int weight = rule.ByteWeight(*mask);
+    for (int i = 0; i < 4; ++i) out[i] = MixByte(dst[i], src[i], weight);
+  }
+};
+
+struct MixMaskedKernel24 {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 3, kSrcBytes = 3, kMaskBytes = 1;
+  static constexpr bool kVectorWins = kHaveByteShuffle;
+  MaskRule rule;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* mask) const {
+    const hn::Repartition<uint16_t, D> d16;
+    constexpr size_t kLanes = hn::MaxLanes(D());
+    HWY_ALIGN uint8_t three_times[3 * kLanes];
+    const auto once = hn::LoadU(d, mask);
+    hn::StoreInterleaved3(once, once, once, d, three_times);
+    for (size_t i = 0; i < 3 * kLanes; i += kLanes) {
+      const auto bytes = hn::BitCast(d16, hn::LoadU(d, three_times + i));
+      const auto even = ByteWeights(d16, hn::And(bytes, hn::Set(d16, 255)), rule);
+      const auto odd = ByteWeights(d16, hn::ShiftRight<8>(bytes), rule);
+      hn::StoreU(MixBytes(d, hn::LoadU(d, dst + i), hn::LoadU(d, src + i), even, odd), d, out + i);
+    }
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* mask) const {
+    const int weight = rule.ByteWeight(*mask);
+    for (int i = 0; i < 3; ++i) out[i] = MixByte(dst[i], src[i], weight);
+  }
+};
+
+template <class Format>
+struct MixMaskedFieldKernel {
+  using Lane = uint16_t;
+  static constexpr size_t kDstBytes = 2, kSrcBytes = 2, kMaskBytes = 1;
+  MaskRule rule;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* mask) const {
+    const auto to = hn::LoadU(d, As<Lane>(dst)), from = hn::LoadU(d, As<Lane>(src));
+    const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
+    const auto scaled = ScaledBytes(d, bytes, rule);
+    const auto weight = hn::Add(scaled, hn::Set(d, uint16_t(rule.added)));
+    const auto mixed = MixFieldsOf<Format>(d, to, from, weight, weight, weight);
+    const auto copied = hn::IfThenElse(hn::Eq(scaled, hn::Set(d, 255)), from, mixed);
+    hn::StoreU(hn::IfThenElse(hn::Eq(scaled, hn::Zero(d)), to, copied), d, As<Lane>(out));
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* mask) const {
+    Format::Store(out, MixFieldsMasked<Format>(Format::Load(dst), Format::Load(src), *mask, rule));
+  }
+};
+
+// A "pixel" of this kernel is a group of four.
+template <class Format>
+struct MixMaskedGroupKernel {
+  using Lane = uint64_t;
+  static constexpr size_t kDstBytes = 8, kSrcBytes = 8, kMaskBytes = 4;
+  MaskRule rule;
+
+  template <class D>
+  HWY_INLINE void Vector(D d64, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* mask) const {
+    const hn::Repartition<uint16_t, D> d;
+    const auto to = hn::LoadU(d, As<uint16_t>(dst)), from = hn::LoadU(d, As<uint16_t>(src));
+    const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, decltype(d)>(), mask));
+    const auto scaled = ScaledBytes(d, bytes, rule);
+    const auto mixed = MixFieldsOf<Format>(d, to, from, scaled, scaled, scaled);
+    const auto four_full = hn::BitCast(
+        d,
+        hn::VecFromMask(d64, hn::Eq(hn::BitCast(d64, scaled), hn::Set(d64, 0x00FF00FF00FF00FF))));
+    const auto copied = hn::IfVecThenElse(four_full, from, mixed);
+    hn::StoreU(hn::IfThenElse(hn::Eq(scaled, hn::Zero(d)), to, copied), d, As<uint16_t>(out));
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* mask) const {
+    uint32_t scaled[4];
+    for (int i = 0; i < 4; ++i) scaled[i] = rule.Scaled(mask[i]);
+    const bool four_full = (scaled[0] & scaled[1] & scaled[2] & scaled[3]) == 255;
+    for (int i = 0; i < 4; ++i) {
+      const uint32_t d = Format::Load(dst + 2 * i), s = Format::Load(src + 2 * i);
+      const uint32_t mixed = scaled[i] == 0 ? d : MixFields<Format>(d, s, scaled[i]);
+      Format::Store(out + 2 * i, uint16_t(four_full ? s : mixed));
+    }
+  }
+};
+
+struct FadeByteKernel {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1, kMaskBytes = 1;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* weights) const {
+    const hn::Repartition<uint16_t, D> d16;
+    const auto w = hn::BitCast(d16, hn::LoadU(d, weights));
+    hn::StoreU(MixBytes(d, hn::LoadU(d, dst), hn::LoadU(d, src), hn::And(w, hn::Set(d16, 255)),
+                        hn::ShiftRight<8>(w)),
+               d, out);
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* weights) const {
+    *out = MixByte(*dst, *src, *weights);
+  }
+};
+
+template <class Format>
+struct FadeFieldKernel {
+  using Lane = uint16_t;
+  static constexpr size_t kDstBytes = 2, kSrcBytes = 2, kMaskBytes = 4;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                         const uint8_t* weights) const {
+    const hn::Rebind<uint8_t, D> d8;
+    hn::VFromD<decltype(d8)> blue, green, red, unused;
+    hn::LoadInterleaved4(d8, weights, blue, green, red, unused);
+    const auto mixed =
+        MixFieldsOf<Format>(d, hn::LoadU(d, As<Lane>(dst)), hn::LoadU(d, As<Lane>(src)),
+                            hn::PromoteTo(d, blue), hn::PromoteTo(d, green), hn::PromoteTo(d, red));
+    hn::StoreU(mixed, d, As<Lane>(out));
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
+                        const uint8_t* weights) const {
+    const uint32_t d = Format::Load(dst), s = Format::Load(src);
+    Format::Store(out, uint16_t(MixField<typename Format::Blue>(d, s, weights[0]) |
+                                MixField<typename Format::Green>(d, s, weights[1]) |
+                                MixField<typename Format::Red>(d, s, weights[2])));
+  }
+};
+
+// Calls `body(Format{})` for the 16-bit format of this code.
+template <class Body>
+HWY_INLINE void WithFields(int format, Body&& body) {
+  switch (format) {
+    case 16:
+      return body(Rgb565());
+    case 19:
+      return body(Argb4444());
+    default:
+      return body(Rgb555());
+  }
+}
+template <class Body>
+HWY_INLINE void WithQuarters(int quarters, Body&& body) {
+  switch (quarters) {
+    case 3:
+      return body(std::integral_constant<int, 3>());
+    case 2:
+      return body(std::integral_constant<int, 2>());
+    default:
+      return body(std::integral_constant<int, 1>());
+  }
+}
+
+void MixByteRows(const SourceRows& bytes, int weight) { OnceRows(MixByteKernel{weight}, bytes); }
+
+void MixFieldRows(int format, const SourceRows& rows, uint32_t weight) {
+  WithFields(format, [&](auto f) HWY_ATTR { OnceRows(MixFieldKernel<decltype(f)>{weight}, rows); });
+}
+
+void MixByteQuarters(const SourceRows& bytes, int quarters) {
+  WithQuarters(quarters, [&](auto q) HWY_ATTR { OnceRows(MixByteQuartersKernel<q()>(), bytes); });
+}
+
+void MixFieldQuarters(int format, Quarters form, const SourceRows& rows, int quarters) {
+  WithFields(format, [&](auto f) HWY_ATTR {
+    using Format = decltype(f);
+    WithQuarters(quarters, [&](auto q) HWY_ATTR {
+      switch (form) {
+        case Quarters::kInGroup:
+          return OnceRows(MixFieldQuartersKernel<Format, q(), Quarters::kInGroup>(), rows);
+        case Quarters::kAtRowEnd:
+          return OnceRows(MixFieldQuartersKernel<Format, q(), Quarters::kAtRowEnd>(), rows);
+        case Quarters::kPerPixel:
+          return OnceRows(MixFieldQuartersKernel<Format, q(), Quarters::kPerPixel>(), rows);
+      }
+    });
+  });
+}
+
+void MixRowsMasked(int format, const MaskedRows& rows, MaskRule rule) {
+  if (format == 32) return OnceRows(MixMaskedKernel32{rule}, rows);
+  if (format == 24) return OnceRows(MixMaskedKernel24{rule}, rows);
+  WithFields(format,
+             [&](auto f) HWY_ATTR { OnceRows(MixMaskedFieldKernel<decltype(f)>{rule}, rows); });
+}
+
+void MixGroupsMasked(int format, const MaskedRows& rows, MaskRule rule) {
+  MaskedRows groups = rows;
+  groups.width /= 4;
+  WithFields(format,
+             [&](auto f) HWY_ATTR { OnceRows(MixMaskedGroupKernel<decltype(f)>{rule}, groups); });
+}
+
+void FadeByteRows(const MaskedRows& bytes) { OnceRows(FadeByteKernel(), bytes); }
+
+void FadeFieldRows(int format, const MaskedRows& rows) {
+  WithFields(format, [&](auto f) HWY_ATTR { OnceRows(FadeFieldKernel<decltype(f)>(), rows); });
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace pincel
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pincel {
+
+HWY_EXPORT(MixByteRows);
+HWY_EXPORT(MixFieldRows);
+HWY_EXPORT(MixByteQuarters);
+HWY_EXPORT(MixFieldQuarters);
+HWY_EXPORT(MixRowsMasked);
+HWY_EXPORT(MixGroupsMasked);
+HWY_EXPORT(FadeByteRows);
+HWY_EXPORT(FadeFieldRows);
+
+void MixByteRows(const SourceRows& bytes, int weight) {
+  HWY_DYNAMIC_DISPATCH(MixByteRows)(bytes, weight);
+}
+void MixFieldRows(int format, const SourceRows& rows, uint32_t weight) {
+  HWY_DYNAMIC_DISPATCH(MixFieldRows)(format, rows, weight);
+}
+void MixByteQuarters(const SourceRows& bytes, int quarters) {
+  HWY_DYNAMIC_DISPATCH(MixByteQuarters)(bytes, quarters);
+}
+void MixFieldQuarters(int format, Quarters form, const SourceRows& rows, int quarters) {
+  HWY_DYNAMIC_DISPATCH(MixFieldQuarters)(format, form, rows, quarters);
+}
+void MixRowsMasked(int format, const MaskedRows& rows, MaskRule rule) {
+  HWY_DYNAMIC_DISPATCH(MixRowsMasked)(format, rows, rule);
+}
+void MixGroupsMasked(int format, const MaskedRows& rows, MaskRule rule) {
+  HWY_DYNAMIC_DISPATCH(MixGroupsMasked)(format, rows, rule);
+}
+void FadeByteRows(const MaskedRows& bytes) { HWY_DYNAMIC_DISPATCH(FadeByteRows)(bytes); }
+void FadeFieldRows(int format, const MaskedRows& rows) {
+  HWY_DYNAMIC_DISPATCH(FadeFieldRows)(format, rows);
+}
+
+}  // namespace pincel
+#endif  // HWY_ONCE
