@@ -81,8 +81,9 @@ TEST(Rellena, PaintsARegionAndKeepsItsNeighbourBits) {
   Picture p = Drawn(32, "###./..#./.##.");
   Picture mask = EmptyMask(p);
   EXPECT_TRUE(Fill(p, mask, 0, 0, 0, kWhite, 0xFF0000));
-  EXPECT_EQ(Digits(mask), "4CA0/0030/0490");
-  EXPECT_EQ(Painted(p, 0xFF0000), "***./..*./.**.");
+  // The 7 is a black cell: down and left from (2, 0), within one round.
+  EXPECT_EQ(Digits(mask), "4CA0/0730/0490");
+  EXPECT_EQ(Painted(p, 0xFF0000), "***./.**./.**.");
 }
 
 TEST(Rellena, MarksADissimilarDiagonalNeighbour) {
