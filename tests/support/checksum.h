@@ -2,6 +2,7 @@
 #ifndef TESTS_SUPPORT_CHECKSUM_H_
 #define TESTS_SUPPORT_CHECKSUM_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
