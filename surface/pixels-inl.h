@@ -63,6 +63,16 @@ Words<D8> JoinPlanes(D8 d8, hn::VFromD<D8> b0, hn::VFromD<D8> b1, hn::VFromD<D8>
 template <class Unit, class D8>
 hn::VFromD<D8> BlockOrder(D8 d8, hn::VFromD<D8> plane);
 
+// `v` plus `step` in the lanes of the mask.
+template <class D>
+HWY_INLINE hn::VFromD<D> AddWhere(D, hn::MFromD<D> mask, hn::VFromD<D> v, hn::VFromD<D> step) {
+  if constexpr (HWY_TARGET <= HWY_AVX3) {
+    return hn::MaskedAddOr(v, mask, v, step);
+  } else {
+    return hn::Add(v, hn::IfThenElseZero(mask, step));
+  }
+}
+
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
 template <class T, size_t size>
@@ -129,7 +139,7 @@ HWY_INLINE hn::VFromD<D8> GatherTriples(D8 d8, V words) {
     return hn::Or(hn::BitCast(d8, low), hn::ShiftRightBytes<2>(d8, hn::BitCast(d8, high)));
   } else {
     static constexpr auto kByte = MakeTable<uint8_t, kSize>(
-        [](size_t i) { return i % 16 < 12 ? i % 16 / 3 * 4 + i % 3 : 0x80; });
+        [](size_t i) { return i % 16 < 12 ? i % 16 / 3 * 4 + i % 16 % 3 : 0x80; });
     const auto blocks = hn::TableLookupBytes(hn::BitCast(d8, words), hn::Load(d8, kByte.at));
     if constexpr (kSize == 16) return blocks;
     static constexpr auto kFrom = MakeTable<uint32_t, kSize / 4>(
