@@ -45,7 +45,7 @@ struct BmpFile {
       put(1, 2);
       put(bits, 2);
       put(compression, 4);
-      put(0, 12);  // size of the pixels and resolution, which nothing reads
+      for (int i = 0; i < 3; ++i) put(0, 4);  // size of the pixels and resolution: not read
       put(colours_used, 4);
       put(0, 4);
     }
