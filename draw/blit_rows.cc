@@ -115,8 +115,13 @@ HWY_INLINE void FillRow(D d, const FillPattern& pattern, uint8_t* dst, size_t si
 void FillRows(int pixel_bytes, const Rows& rows, uint32_t pixel) {
   const size_t size = rows.width * size_t(pixel_bytes);
   const FillPattern pattern(size_t(pixel_bytes), pixel);
-  ForEachRow(rows, [&](uint8_t* dst)
-                       HWY_ATTR { FillRow(hn::ScalableTag<uint8_t>(), pattern, dst, size); });
+  ForEachRow(rows, [&](uint8_t* dst) HWY_ATTR {
+    if constexpr (kHaveVectors) {
+      FillRow(hn::ScalableTag<uint8_t>(), pattern, dst, size);
+    } else {
+      for (size_t i = 0; i < size; ++i) dst[i] = pattern.bytes[i % FillPattern::kPeriod];
+    }
+  });
 }
 
 }  // namespace HWY_NAMESPACE

@@ -76,8 +76,8 @@ struct TSurfDesc {
   uint32_t aMask;    /**< alpha bits, 0 when the format has none */
   uint32_t colorKey; /**< transparent colour, packed; 0xFFFFFFFF: no colour key */
   int32_t pitch;     /**< bytes from the start of one row to the start of the next */
-  uint8_t *pixels;   /**< first byte of row 0, the top row */
-  TRGBA *palette;    /**< 256 entries of an 8-bit surface, or null; ignored for other depths */
+  uint8_t* pixels;   /**< first byte of row 0, the top row */
+  TRGBA* palette;    /**< 256 entries of an 8-bit surface, or null; ignored for other depths */
 };
 
 /** A rectangle: columns left to right - 1, rows top to bottom - 1 (right, bottom exclusive). */
@@ -107,23 +107,23 @@ struct RAW {
   uint32_t readPalette;    /**< not 0: colour tables of the file go to `palette` */
   uint32_t reserved;       /**< 0 */
   uint8_t palette[256][4]; /**< entries of red, green, blue and a fourth byte */
-  uint8_t *output;         /**< receives the frame's indices */
+  uint8_t* output;         /**< receives the frame's indices */
 };
 
 /** Decoder state of the GIF entry points; caller-owned. */
 struct CQXGIF {
-  uint8_t *cursor;    /**< next block or sub-block length byte */
-  uint8_t *blockPos;  /**< next unread byte of the current sub-block */
-  uint32_t codeSize;  /**< code width in bits */
-  uint32_t endCode;   /**< end-of-information code */
-  int32_t blockLeft;  /**< bytes left in the current sub-block */
-  uint32_t bitCount;  /**< unused high bits of `bitByte` */
-  uint32_t bitByte;   /**< last byte fetched */
+  uint8_t* cursor;   /**< next block or sub-block length byte */
+  uint8_t* blockPos; /**< next unread byte of the current sub-block */
+  uint32_t codeSize; /**< code width in bits */
+  uint32_t endCode;  /**< end-of-information code */
+  int32_t blockLeft; /**< bytes left in the current sub-block */
+  uint32_t bitCount; /**< unused high bits of `bitByte` */
+  uint32_t bitByte;  /**< last byte fetched */
 };
 
 static_assert(sizeof(TRGBA) == 4 && sizeof(CRectangulo) == 16, "plain records without padding");
-static_assert(sizeof(void *) != 4 || sizeof(TSurfDesc) == 44, "eleven words in 32-bit builds");
-static_assert(sizeof(void *) != 4 || (sizeof(RAW) == 1044 && sizeof(CQXGIF) == 28),
+static_assert(sizeof(void*) != 4 || sizeof(TSurfDesc) == 44, "eleven words in 32-bit builds");
+static_assert(sizeof(void*) != 4 || (sizeof(RAW) == 1044 && sizeof(CQXGIF) == 28),
               "261 and 7 words in 32-bit builds");
 
 /** @} */
@@ -142,27 +142,27 @@ extern PINCEL_API TRGBA lu_gPaleta[256];
 /** Width in pixels.
  * @param surface any surface; only the field is read.
  * @return `surface.width`. */
-PINCEL_API int Width(TSurfDesc &surface);
+PINCEL_API int Width(TSurfDesc& surface);
 
 /** Height in rows.
  * @param surface any surface; only the field is read.
  * @return `surface.height`. */
-PINCEL_API int Height(TSurfDesc &surface);
+PINCEL_API int Height(TSurfDesc& surface);
 
 /** Bytes from one row to the next.
  * @param surface any surface; only the field is read.
  * @return `surface.pitch`. */
-PINCEL_API int ScanWidth(TSurfDesc &surface);
+PINCEL_API int ScanWidth(TSurfDesc& surface);
 
 /** Width and height in pixels.
  * @param surface any surface; only the fields are read.
  * @return (`surface.width`, `surface.height`), whatever the pitch. */
-PINCEL_API CSize Size(TSurfDesc &surface);
+PINCEL_API CSize Size(TSurfDesc& surface);
 
 /** Tells whether a surface has a colour key.
  * @param surface any surface; only the field is read.
  * @return true when `colorKey` is not 0xFFFFFFFF; a key of 0 counts. */
-PINCEL_API bool Transp(TSurfDesc &surface);
+PINCEL_API bool Transp(TSurfDesc& surface);
 
 /** Reads one pixel as a colour.
  *
@@ -178,13 +178,13 @@ PINCEL_API bool Transp(TSurfDesc &surface);
  * @param surface surface to read.
  * @param point position in pixels. Only 8-bit surfaces check it; at 32 bits it must lie inside.
  * @return the colour as above; 0 for an unsupported depth. */
-PINCEL_API unsigned long GetPixel(TSurfDesc &surface, CPunto point);
+PINCEL_API unsigned long GetPixel(TSurfDesc& surface, CPunto point);
 
 /** Reads one pixel as a colour: GetPixel(surface, {x, y}).
  * @param surface surface to read.
  * @param x column in pixels. @param y row in pixels.
  * @return see GetPixel(TSurfDesc &, CPunto). */
-PINCEL_API unsigned long GetPixel(TSurfDesc &surface, int x, int y);
+PINCEL_API unsigned long GetPixel(TSurfDesc& surface, int x, int y);
 
 /** Writes one pixel.
  *
@@ -196,13 +196,13 @@ PINCEL_API unsigned long GetPixel(TSurfDesc &surface, int x, int y);
  * @param point position in pixels. 8-bit surfaces ignore a point outside; every other depth needs a
  *        point inside, unchecked.
  * @param colour true colour, or the palette index on 8-bit surfaces. */
-PINCEL_API void SetPixel(TSurfDesc &surface, CPunto point, unsigned long colour);
+PINCEL_API void SetPixel(TSurfDesc& surface, CPunto point, unsigned long colour);
 
 /** Writes one pixel: SetPixel(surface, {x, y}, colour).
  * @param surface surface to write.
  * @param x column in pixels. @param y row in pixels.
  * @param colour see SetPixel(TSurfDesc &, CPunto, unsigned long). */
-PINCEL_API void SetPixel(TSurfDesc &surface, int x, int y, unsigned long colour);
+PINCEL_API void SetPixel(TSurfDesc& surface, int x, int y, unsigned long colour);
 
 /** Builds the start-up tables and fills #lu_gPaleta with the model palette.
  *
@@ -275,7 +275,7 @@ PINCEL_API void CreateTruncPal(TRGBA (&palette)[256]);
  * @param mode reduction mode, read only when `dst` has 8 bits and `src` has not.
  * @return **always false**, also after a successful conversion. Unsupported formats and modes write
  *         nothing. */
-PINCEL_API bool Convert(TSurfDesc &dst, TSurfDesc &src, unsigned long mode);
+PINCEL_API bool Convert(TSurfDesc& dst, TSurfDesc& src, unsigned long mode);
 
 /** Raw copy of a surface's bytes; the key and the palette are not copied.
  *
@@ -287,7 +287,7 @@ PINCEL_API bool Convert(TSurfDesc &dst, TSurfDesc &src, unsigned long mode);
  * @param dst destination. @param src source; at least one row (with different pitches a height of 0
  *        or less still copies one row).
  * @return always true. */
-PINCEL_API bool CopyImage(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool CopyImage(TSurfDesc& dst, TSurfDesc& src);
 
 /** @name Repacking between 16-bit formats
  * Source format first in the name, destination first in the arguments. The formats of the surfaces
@@ -312,16 +312,16 @@ PINCEL_API bool CopyImage(TSurfDesc &dst, TSurfDesc &src);
  * Each takes the destination (at least as large as the source; `colorKey` is set) and the source (an
  * empty one converts the key only), and returns true, always.
  * @{ */
-PINCEL_API bool Convert16_565_16_555(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_4444_16_555(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_555_16_4444(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_565_16_4444(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_4444_16_565(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_4444_16_5551(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_555_16_5551(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_5551_16_555(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_565_16_5551(TSurfDesc &dst, TSurfDesc &src);
-PINCEL_API bool Convert16_555_16_565(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert16_565_16_555(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_4444_16_555(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_555_16_4444(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_565_16_4444(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_4444_16_565(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_4444_16_5551(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_555_16_5551(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_5551_16_555(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_565_16_5551(TSurfDesc& dst, TSurfDesc& src);
+PINCEL_API bool Convert16_555_16_565(TSurfDesc& dst, TSurfDesc& src);
 /** @} */
 
 /** 24 to 32 bits: the colour bytes and a fourth byte of 255.
@@ -330,7 +330,7 @@ PINCEL_API bool Convert16_555_16_565(TSurfDesc &dst, TSurfDesc &src);
  * @param dst 32-bit destination. @param src 24-bit source. The formats are not checked. A width or
  *        height below 1 counts as 1.
  * @return always true. */
-PINCEL_API bool Convert24_32_(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert24_32_(TSurfDesc& dst, TSurfDesc& src);
 
 /** 32 to 24 bits: the colour bytes; the fourth byte is dropped.
  *
@@ -338,7 +338,7 @@ PINCEL_API bool Convert24_32_(TSurfDesc &dst, TSurfDesc &src);
  * @param dst 24-bit destination. @param src 32-bit source. The formats are not checked. A width or
  *        height below 1 counts as 1.
  * @return always true. */
-PINCEL_API bool Convert32_24_(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert32_24_(TSurfDesc& dst, TSurfDesc& src);
 
 /** 8 to 8 bits: maps each source palette entry to the nearest destination entry.
  *
@@ -346,7 +346,7 @@ PINCEL_API bool Convert32_24_(TSurfDesc &dst, TSurfDesc &src);
  * @param dst 8-bit destination with a palette. @param src 8-bit source with a palette; both
  *        palettes are read unchecked. A source without rows copies the key only.
  * @return always true. */
-PINCEL_API bool Convert8_8(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool Convert8_8(TSurfDesc& dst, TSurfDesc& src);
 
 /** @} */
 
@@ -370,13 +370,13 @@ PINCEL_API bool Convert8_8(TSurfDesc &dst, TSurfDesc &src);
  * @param src source. Not clipped: the area at `at` must lie inside it.
  * @param at source pixel that lands on the rectangle's top-left corner; moves with the clipping.
  * @return true for a supported destination, whether or not anything was drawn. */
-PINCEL_API bool DrawBitmap(TSurfDesc &dst, CRectangulo rect, TSurfDesc &src, CPunto at);
+PINCEL_API bool DrawBitmap(TSurfDesc& dst, CRectangulo rect, TSurfDesc& src, CPunto at);
 
 /** Draws a whole surface: DrawBitmap with the destination's full rectangle from source (0, 0).
  * @param dst destination; **its** size is the size drawn.
  * @param src source, at least as large as `dst`.
  * @return see DrawBitmap(TSurfDesc &, CRectangulo, TSurfDesc &, CPunto). */
-PINCEL_API bool DrawBitmap(TSurfDesc &dst, TSurfDesc &src);
+PINCEL_API bool DrawBitmap(TSurfDesc& dst, TSurfDesc& src);
 
 /** Fills a rectangle.
  *
@@ -388,7 +388,7 @@ PINCEL_API bool DrawBitmap(TSurfDesc &dst, TSurfDesc &src);
  * @param rect rectangle to fill; clipped, may be empty or inverted.
  * @param colour 0xAARRGGBB, or the index on 8-bit surfaces.
  * @return true; false only for an unsupported format. */
-PINCEL_API bool IdxFillRect(TSurfDesc &dst, CRectangulo rect, unsigned long colour);
+PINCEL_API bool IdxFillRect(TSurfDesc& dst, CRectangulo rect, unsigned long colour);
 
 /** Horizontal run of pixels **in the row above** `p`.
  * @param dst destination, any format.
@@ -396,7 +396,7 @@ PINCEL_API bool IdxFillRect(TSurfDesc &dst, CRectangulo rect, unsigned long colo
  * @param len pixels; negative runs leftwards from p.x - 1, 0 draws nothing.
  * @param colour see IdxFillRect.
  * @return that of IdxFillRect. */
-PINCEL_API bool IdxLineHI(TSurfDesc &dst, CPunto const &p, int len, unsigned long colour);
+PINCEL_API bool IdxLineHI(TSurfDesc& dst, CPunto const& p, int len, unsigned long colour);
 
 /** Vertical run of pixels **in the column left of** `p`.
  * @param dst destination, any format.
@@ -404,14 +404,14 @@ PINCEL_API bool IdxLineHI(TSurfDesc &dst, CPunto const &p, int len, unsigned lon
  * @param len pixels; negative runs upwards from p.y - 1, 0 draws nothing.
  * @param colour see IdxFillRect.
  * @return that of IdxFillRect. */
-PINCEL_API bool IdxLineVI(TSurfDesc &dst, CPunto const &p, int len, unsigned long colour);
+PINCEL_API bool IdxLineVI(TSurfDesc& dst, CPunto const& p, int len, unsigned long colour);
 
 /** Draws a rectangle's last row and last column.
  * @param dst destination, any format.
  * @param rect rectangle; the lines are clipped.
  * @param colour see IdxFillRect.
  * @return **always false**. */
-PINCEL_API bool FrameBR(TSurfDesc &dst, CRectangulo rect, unsigned long colour);
+PINCEL_API bool FrameBR(TSurfDesc& dst, CRectangulo rect, unsigned long colour);
 
 /** Black bottom-right frame, offset by one pixel: a drop shadow.
  *
@@ -422,7 +422,7 @@ PINCEL_API bool FrameBR(TSurfDesc &dst, CRectangulo rect, unsigned long colour);
  * @param step not significant.
  * @param depth 0 draws nothing.
  * @return true for a depth of 0, else false. */
-PINCEL_API bool DrawRectShadow(TSurfDesc &dst, CRectangulo rect, unsigned char step,
+PINCEL_API bool DrawRectShadow(TSurfDesc& dst, CRectangulo rect, unsigned char step,
                                unsigned char depth);
 
 /** Blended line with thickness and, if wanted, soft edges.
@@ -445,7 +445,7 @@ PINCEL_API bool DrawRectShadow(TSurfDesc &dst, CRectangulo rect, unsigned char s
  * @param soft also blend the two edge pixels of each step by their coverage.
  * @param thickness pixels; below 1 draws the soft edges only.
  * @return **always false**. */
-PINCEL_API bool Line(TSurfDesc &dst, CPunto const &p1, CPunto const &p2, unsigned long colour,
+PINCEL_API bool Line(TSurfDesc& dst, CPunto const& p1, CPunto const& p2, unsigned long colour,
                      unsigned short alpha, bool soft, int thickness);
 
 /** Flood fill with a tolerance.
@@ -468,19 +468,18 @@ PINCEL_API bool Line(TSurfDesc &dst, CPunto const &p1, CPunto const &p2, unsigne
  * @param reference true colour 0x00RRGGBB to compare with.
  * @param colour true colour 0x00RRGGBB to paint.
  * @return always true. */
-PINCEL_API bool Rellena(TSurfDesc &dst, TSurfDesc &work, int x, int y, unsigned long tolerance,
+PINCEL_API bool Rellena(TSurfDesc& dst, TSurfDesc& work, int x, int y, unsigned long tolerance,
                         unsigned long reference, unsigned long colour);
 
 /** Copies a block of raw pixels: no clipping, no key, no conversion.
  * @param dst destination, any format; the block must lie inside.
  * @param src source of the destination's depth; the block must lie inside.
- * @param sx,sy top-left corner in `src`, pixels.
- * @param dx,dy top-left corner in `dst`, pixels.
- * @param w,h size in pixels; 0 copies nothing.
+ * @param sx left edge of the block in `src`, pixels. @param sy its top edge.
+ * @param dx left edge of the block in `dst`, pixels. @param dy its top edge.
+ * @param w width in pixels. @param h height in pixels; 0 of either copies nothing.
  * @return true; false for an unsupported format. */
-PINCEL_API bool DrawBlock(TSurfDesc &dst, TSurfDesc &src, unsigned short sx, unsigned short sy,
-                          unsigned short dx, unsigned short dy, unsigned short w,
-                          unsigned short h);
+PINCEL_API bool DrawBlock(TSurfDesc& dst, TSurfDesc& src, unsigned short sx, unsigned short sy,
+                          unsigned short dx, unsigned short dy, unsigned short w, unsigned short h);
 
 /** @} */
 
@@ -492,7 +491,7 @@ PINCEL_API bool DrawBlock(TSurfDesc &dst, TSurfDesc &src, unsigned short sx, uns
  * @param surface receives `width`, `height` (absolute value) and `bpp`; nothing else is written.
  * @param bitmap the file's first byte; its header must be complete.
  * @return always true. */
-PINCEL_API bool LoadInfoBMP(TSurfDesc &surface, unsigned char *bitmap);
+PINCEL_API bool LoadInfoBMP(TSurfDesc& surface, unsigned char* bitmap);
 
 /** Decodes a BMP file into a surface of any format.
  *
@@ -520,13 +519,13 @@ PINCEL_API bool LoadInfoBMP(TSurfDesc &surface, unsigned char *bitmap);
  * @param surface destination; pixels, pitch, masks and, at 8 bits, palette filled in by the caller.
  * @param bitmap the file's first byte.
  * @return true, also when nothing could be decoded; false only for an unsupported surface. */
-PINCEL_API bool LoadBMP(TSurfDesc &surface, unsigned char *bitmap);
+PINCEL_API bool LoadBMP(TSurfDesc& surface, unsigned char* bitmap);
 
 /** Reads the size of a BMP file that is to be loaded as an alpha map.
  * @param surface receives `width`, `height` (absolute value) and `bpp` 8, whatever the file holds.
  * @param bitmap the file's first byte.
  * @return always true. */
-PINCEL_API bool LoadInfoBMPAlpha(TSurfDesc &surface, unsigned char *bitmap);
+PINCEL_API bool LoadInfoBMPAlpha(TSurfDesc& surface, unsigned char* bitmap);
 
 /** Loads the bytes of an 8-bit BMP file as they stand: an alpha map or mask.
  *
@@ -535,17 +534,17 @@ PINCEL_API bool LoadInfoBMPAlpha(TSurfDesc &surface, unsigned char *bitmap);
  * @param surface 8-bit destination; its width and height drive the decoding.
  * @param bitmap the file's first byte; an 8-bit file.
  * @return always true. */
-PINCEL_API bool LoadBMPAlpha(TSurfDesc &surface, unsigned char *bitmap);
+PINCEL_API bool LoadBMPAlpha(TSurfDesc& surface, unsigned char* bitmap);
 
 /** Kept for an image format that is not supported.
  * @param surface not touched. @param data not read.
  * @return always false. */
-PINCEL_API bool LoadInfoPGF(TSurfDesc &surface, unsigned char *data);
+PINCEL_API bool LoadInfoPGF(TSurfDesc& surface, unsigned char* data);
 
 /** Kept for an image format that is not supported.
  * @param surface not touched. @param data not read.
  * @return always false. */
-PINCEL_API bool LoadPGF(TSurfDesc &surface, unsigned char *data);
+PINCEL_API bool LoadPGF(TSurfDesc& surface, unsigned char* data);
 
 /** @} */
 
@@ -589,8 +588,8 @@ PINCEL_API bool LoadPGF(TSurfDesc &surface, unsigned char *data);
  * @param src source. @param at source pixel that lands on the rectangle's top-left corner.
  * @param table see the head of this group; needed for 8-bit destinations.
  * @return true; false for an unsupported format. */
-PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
-                        TSurfDesc &src, CPunto const &at, unsigned char (*const table)[65536]);
+PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, unsigned short level,
+                        TSurfDesc& src, CPunto const& at, unsigned char (*const table)[65536]);
 
 /** The 8-bit form of DrawMix at one level; the source is read one byte a pixel.
  * @param dst 8-bit destination. @param rect destination rectangle; clipped.
@@ -598,8 +597,8 @@ PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short 
  * @param src 8-bit source. @param at source pixel of the rectangle's top-left corner.
  * @param table two planes of 65536 indices.
  * @return true; false when the destination has not 8 bits. */
-PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
-                              TSurfDesc &src, CPunto const &at,
+PINCEL_API bool DrawMix_8Bits(TSurfDesc& dst, CRectangulo const& rect, unsigned short level,
+                              TSurfDesc& src, CPunto const& at,
                               unsigned char (*const table)[65536]);
 
 /** Draws a source through an alpha surface.
@@ -617,8 +616,8 @@ PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsigned 
  * @param table see the head of this group; needed for 8-bit destinations.
  * @return true; false for an unsupported format and, **at 32 and 24 bits only, for an empty
  *         area**. */
-PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
-                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& alpha,
+                        CPunto const& alphaAt, TSurfDesc& src, CPunto const& srcAt,
                         unsigned char (*const table)[65536]);
 
 /** The 8-bit form of DrawMix through an alpha surface.
@@ -629,8 +628,8 @@ PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alph
  * @param src 8-bit source. @param srcAt its pixel of the top-left corner.
  * @param table two planes of 65536 indices.
  * @return true; false, with nothing drawn, when the destination or the source has not 8 bits. */
-PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
-                              CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+PINCEL_API bool DrawMix_8Bits(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& alpha,
+                              CPunto const& alphaAt, TSurfDesc& src, CPunto const& srcAt,
                               unsigned char (*const table)[65536]);
 
 /** Draws a source through an alpha surface and a level.
@@ -645,29 +644,32 @@ PINCEL_API bool DrawMix_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc
  * @param src source. @param srcAt see above; at 16 bits the pixel of the top-left corner.
  * @param level scale of the alpha bytes, 256 keeps them.
  * @return true; false for an unsupported format, 8 bits included. */
-PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
-                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
+PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& alpha,
+                        CPunto const& alphaAt, TSurfDesc& src, CPunto const& srcAt,
                         unsigned short level);
 
 /** Draws a background, then a source through an alpha surface over it.
  * @param dst destination, any format. @param rect destination rectangle; clipped.
- * @param alpha,alphaAt,src,srcAt,table as for DrawMix through an alpha surface.
+ * @param alpha alpha surface. @param alphaAt its pixel of the rectangle's top-left corner.
+ * @param src source. @param srcAt its pixel of the rectangle's top-left corner.
+ * @param table needed for 8-bit destinations.
  * @param back background, drawn with DrawBitmap (its key counts).
  * @param backAt its pixel of the rectangle's top-left corner.
  * @return false when DrawBitmap returns false, and then nothing is mixed; else that of DrawMix. */
-PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &alpha,
-                        CPunto const &alphaAt, TSurfDesc &src, CPunto const &srcAt,
-                        TSurfDesc &back, CPunto const &backAt,
-                        unsigned char (*const table)[65536]);
+PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& alpha,
+                        CPunto const& alphaAt, TSurfDesc& src, CPunto const& srcAt, TSurfDesc& back,
+                        CPunto const& backAt, unsigned char (*const table)[65536]);
 
 /** Draws a background, then a source at one level over it.
  * @param dst destination, any format. @param rect destination rectangle; clipped.
- * @param level,src,srcAt,table as for DrawMix at one level.
+ * @param level weight of the source, as for DrawMix at one level.
+ * @param src source. @param srcAt its pixel of the rectangle's top-left corner.
+ * @param table needed for 8-bit destinations.
  * @param back background, drawn with DrawBitmap (its key counts).
  * @param backAt its pixel of the rectangle's top-left corner.
  * @return false when DrawBitmap returns false, and then nothing is mixed; else that of DrawMix. */
-PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short level,
-                        TSurfDesc &src, CPunto const &srcAt, TSurfDesc &back, CPunto const &backAt,
+PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, unsigned short level,
+                        TSurfDesc& src, CPunto const& srcAt, TSurfDesc& back, CPunto const& backAt,
                         unsigned char (*const table)[65536]);
 
 /** Paints a colour through a mask.
@@ -681,8 +683,8 @@ PINCEL_API bool DrawMix(TSurfDesc &dst, CRectangulo const &rect, unsigned short 
  * @param colour packed, in the destination's layout; true colour on 8-bit destinations.
  * @param table see the head of this group; needed for 8-bit destinations.
  * @return true; false for an unsupported format. */
-PINCEL_API bool DrawMask(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &mask,
-                         CPunto const &maskAt, unsigned long colour,
+PINCEL_API bool DrawMask(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& mask,
+                         CPunto const& maskAt, unsigned long colour,
                          unsigned char (*const table)[65536]);
 
 /** The 8-bit form of DrawMask: weight m, so that **255 mixes too and leaves a rest**.
@@ -690,8 +692,8 @@ PINCEL_API bool DrawMask(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &mas
  * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
  * @param colour true colour 0x00RRGGBB. @param table two planes of 65536 indices.
  * @return true; false, with nothing drawn, when the destination or the mask has not 8 bits. */
-PINCEL_API bool DrawMask_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &mask,
-                               CPunto const &maskAt, unsigned long colour,
+PINCEL_API bool DrawMask_8Bits(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& mask,
+                               CPunto const& maskAt, unsigned long colour,
                                unsigned char (*const table)[65536]);
 
 /** Tints a rectangle with a colour at one level.
@@ -704,7 +706,7 @@ PINCEL_API bool DrawMask_8Bits(TSurfDesc &dst, CRectangulo const &rect, TSurfDes
  * @param colour packed, in the destination's layout.
  * @param level weight of the colour in 256ths.
  * @return true; false for an unsupported format, 8 bits included. */
-PINCEL_API bool MaskFillRect(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+PINCEL_API bool MaskFillRect(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                              unsigned short level);
 
 /** Tints a rectangle of an 8-bit surface.
@@ -715,7 +717,7 @@ PINCEL_API bool MaskFillRect(TSurfDesc &dst, CRectangulo const &rect, unsigned l
  * @param colour true colour 0x00RRGGBB. @param level weight of the colour in 256ths.
  * @param table two planes of 65536 indices.
  * @return true; false when the destination has not 8 bits. */
-PINCEL_API bool MaskFillRect_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
+PINCEL_API bool MaskFillRect_8Bits(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                                    unsigned short level, unsigned char (*const table)[65536]);
 
 /** Darkens and lightens through a two-sided mask.
@@ -733,7 +735,7 @@ PINCEL_API bool MaskFillRect_8Bits(TSurfDesc &dst, CRectangulo const &rect, unsi
  * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
  * @param table needed for 8-bit destinations.
  * @return true; false for any other depth, 16 bits included. */
-PINCEL_API bool DrawBiMask(TSurfDesc &dst, unsigned short level, CRectangulo rect, TSurfDesc &mask,
+PINCEL_API bool DrawBiMask(TSurfDesc& dst, unsigned short level, CRectangulo rect, TSurfDesc& mask,
                            CPunto maskAt, unsigned char (*const table)[65536]);
 
 /** The 8-bit form of DrawBiMask.
@@ -746,8 +748,8 @@ PINCEL_API bool DrawBiMask(TSurfDesc &dst, unsigned short level, CRectangulo rec
  * @param mask 8-bit mask. @param maskAt its pixel of the rectangle's top-left corner.
  * @param table planes of 65536 indices; the first is read.
  * @return true; false when the destination has not 8 bits. */
-PINCEL_API bool DrawBiMask_8Bits(TSurfDesc &dst, unsigned short level, CRectangulo rect,
-                                 TSurfDesc &mask, CPunto maskAt,
+PINCEL_API bool DrawBiMask_8Bits(TSurfDesc& dst, unsigned short level, CRectangulo rect,
+                                 TSurfDesc& mask, CPunto maskAt,
                                  unsigned char (*const table)[65536]);
 
 /** Draws a source that fades out from left to right.
@@ -763,8 +765,8 @@ PINCEL_API bool DrawBiMask_8Bits(TSurfDesc &dst, unsigned short level, CRectangu
  * @param start above 0: the level starts at 0; else at 256 - |start| x `step`.
  * @param step fall per pixel. @param hold pixels before it falls, less one; negative counts as 0.
  * @return true; false for an unsupported format, 8 bits included. */
-PINCEL_API bool OpenFader(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                          CPunto const &at, int start, int step, int hold);
+PINCEL_API bool OpenFader(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at,
+                          int start, int step, int hold);
 
 /** @} */
 
@@ -823,7 +825,7 @@ PINCEL_API bool OpenFader(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &sr
  * @param src source of the same format; its transparent pixels are left out.
  * @param at source pixel that lands on the rectangle's top-left corner; must lie inside.
  * @return see the group. */
-PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
+PINCEL_API bool DoSuma(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
 
 /** Adds a colour through a mask.
  * @param dst destination, 16 bits or more.
@@ -832,8 +834,8 @@ PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, 
  * @param mask one byte per pixel, 0..255.
  * @param maskAt mask byte that lands on the rectangle's top-left corner; must lie inside.
  * @return see the group. */
-PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                       TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoSuma(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                       TSurfDesc& mask, CPunto const& maskAt);
 
 /** Adds a source through a mask; no pixel is transparent.
  * @param dst destination, 16 bits or more.
@@ -843,70 +845,70 @@ PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, unsigned long co
  * @param mask one byte per pixel, 0..255.
  * @param maskAt mask byte that lands on the rectangle's top-left corner.
  * @return see the group. */
-PINCEL_API bool DoSuma(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                       CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoSuma(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& srcAt,
+                       TSurfDesc& mask, CPunto const& maskAt);
 
 /** @name Subtract: max(a - b, 0).
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
-PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                        TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoResta(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                        CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                        TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                        CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @name Multiply: a b / 256; darkens.
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                             CPunto const &at);
-PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                             TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoMultiplica(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                             CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                             CPunto const& at);
+PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                             TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                             CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @name Screen: multiplies the complements; lightens.
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
-PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                         TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoScreen(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                         CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                         TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                         CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @name Lighten: the larger of both, channel by channel.
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                          CPunto const &at);
-PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                          TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoLighten(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                          CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                          CPunto const& at);
+PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                          TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                          CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @name Darken: the smaller of both, channel by channel.
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src, CPunto const &at);
-PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                         TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoDarken(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                         CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                         TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                         CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @name Overlay: multiplies where the destination is below 128, screens elsewhere.
  * Arguments and results as those of DoSuma.
  * @{ */
-PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                             CPunto const &at);
-PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, unsigned long colour,
-                             TSurfDesc &mask, CPunto const &maskAt);
-PINCEL_API bool DoSuperponer(TSurfDesc &dst, CRectangulo const &rect, TSurfDesc &src,
-                             CPunto const &srcAt, TSurfDesc &mask, CPunto const &maskAt);
+PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                             CPunto const& at);
+PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
+                             TSurfDesc& mask, CPunto const& maskAt);
+PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
+                             CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
 
 /** @} */
