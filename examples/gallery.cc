@@ -1,0 +1,666 @@
+#include "gallery.h"
+
+#include <type_traits>
+
+namespace {
+
+constexpr uint32_t kRed = 0xE02020, kGold = 0xF0B020, kSky = 0x40A0F0, kInk = 0x102040,
+                   kPaper = 0xF8F4E8, kWhite = 0xFFFFFF;
+
+// An 8-bit picture with its colours replaced by their nearest in another palette.
+HostSurface Remapped(HostSurface picture, const HostSurface& palette) {
+  HostSurface result(Format::k8, picture.width, picture.height);
+  result.UsePaletteOf(palette);
+  Convert8_8(result, picture);
+  return result;
+}
+
+// The alpha bits as a grey picture, bit 15 of 555 included.
+HostSurface AlphaOf(const HostSurface& surface) {
+  const uint32_t mask = surface.format() == Format::k555 ? 0x8000 : surface.aMask;
+  HostSurface grey(Format::k8, surface.width, surface.height);
+  CreateGreyPal(grey.Palette());
+  for (int y = 0; y < grey.height; ++y) {
+    for (int x = 0; x < grey.width; ++x) {
+      const bool any = mask != 0;
+      const uint64_t field = surface.Stored(x, y) & mask;
+      SetPixel(grey, x, y, any ? uint32_t(field * 255 / mask) : 0);
+    }
+  }
+  return grey;
+}
+
+void ExchangeRedAndBlue(HostSurface& indexed) {
+  for (TRGBA& entry : indexed.Palette()) std::swap(entry.red, entry.blue);
+}
+
+// The 256 colours of a palette as a square of fields.
+HostSurface Swatches(const TRGBA (&palette)[256]) {
+  HostSurface square(Format::k8, 64, 64);
+  for (int i = 0; i < 256; ++i) {
+    square.Palette()[i] = palette[i];
+    const int x = i % 16 * 4, y = i / 16 * 4;
+    IdxFillRect(square, {x, y, x + 4, y + 4}, uint32_t(i));
+  }
+  return square;
+}
+
+std::string Text(bool value) { return value ? "true" : "false"; }
+
+using Source = HostSurface Stage::*;
+
+struct NamedSource {
+  const char* caption;
+  Source source;
+};
+constexpr NamedSource kSources[] = {
+    {"tree, with a colour key", &Stage::tree}, {"hippo", &Stage::hippo}, {"chart", &Stage::chart}};
+
+// The same drawing in each of the seven formats. A body that returns nothing shows the canvas; it
+// may also return another surface or a text. The inputs are shown in their 32-bit form.
+template <class Prepare, class Body>
+auto InEveryFormat(std::vector<Source> sources, Prepare prepare, Body body) {
+  return [=](const Assets& assets) {
+    Rendering rendering;
+    Stage inputs(assets, Format::k32);
+    prepare(inputs);
+    rendering.inputs.push_back({"canvas before", inputs.canvas, {}});
+    for (const NamedSource& named : kSources) {
+      for (Source source : sources) {
+        if (source == named.source) {
+          rendering.inputs.push_back({named.caption, inputs.*source, {}});
+        }
+      }
+    }
+    for (const FormatFacts& facts : kFormats) {
+      Stage stage(assets, facts.format);
+      prepare(stage);
+      using Result = decltype(body(stage));
+      if constexpr (std::is_void_v<Result>) {
+        body(stage);
+        rendering.results.push_back({facts.name, stage.canvas, {}});
+      } else if constexpr (std::is_same_v<Result, std::string>) {
+        rendering.results.push_back({facts.name, std::nullopt, body(stage)});
+      } else {
+        rendering.results.push_back({facts.name, body(stage), {}});
+      }
+    }
+    return rendering;
+  };
+}
+
+template <class Body>
+auto OnPhoto(std::vector<Source> sources, Body body) {
+  return InEveryFormat(
+      std::move(sources), [](Stage&) {}, body);
+}
+
+template <class Body>
+auto OnPaper(std::vector<Source> sources, Body body) {
+  const auto paper = [](Stage& s) {
+    IdxFillRect(s.canvas, s.canvas.Bounds(), s.canvas.Colour(kPaper));
+  };
+  return InEveryFormat(std::move(sources), paper, body);
+}
+
+// A picture file loaded into a surface of each format that was orange before.
+template <class Body>
+auto FromFile(std::string name, Body body) {
+  return [=](const Assets& assets) {
+    File file = assets.Read(name);
+    Rendering rendering;
+    for (const FormatFacts& facts : kFormats) {
+      TSurfDesc size{};
+      LoadInfoBMP(size, file.data());
+      HostSurface surface(facts.format, size.width, size.height);
+      if (facts.bpp == 8) CreateModelPal(surface.Palette());
+      IdxFillRect(surface, surface.Bounds(), surface.Colour(0xFF8000));
+      body(surface, file);
+      rendering.results.push_back({facts.name, surface, {}});
+    }
+    rendering.inputs.push_back({name, std::nullopt, std::to_string(file.size() - 1) + " bytes"});
+    return rendering;
+  };
+}
+
+template <class Body>
+auto OnShelf(Body body) {
+  return [=](const Assets& assets) {
+    Shelf shelf(assets);
+    body(shelf);
+    return Rendering{{}, std::move(shelf.results)};
+  };
+}
+
+}  // namespace
+
+Stage::Stage(const Assets& from, Format wanted)
+    : assets(from),
+      format(wanted),
+      canvas(assets.LoadPhoto("wuffs-peacock", wanted)),
+      tree(assets.Load("gd-tree-256.bmp", wanted)),
+      hippo(assets.LoadPhoto("wuffs-hippopotamus", wanted)),
+      chart(assets.Load("bmpsuite-pal8.bmp", wanted)),
+      work(Format::k8, canvas.width, canvas.height) {
+  tree.colorKey = tree.Stored(0, 0);
+  if (wanted == Format::k8) chart = Remapped(chart, canvas);
+}
+
+// Families in the order of the page; inside one, the plain case before the irregular ones.
+const std::vector<Operation>& Operations() {
+  static const std::vector<Operation> operations = {
+      // ---------------------------------------------------------------------------------- Loading
+      {"Loading", "LoadInfoBMP",
+       "Size and depth, read from the header alone; a top-down file reports its height positive.",
+       OnShelf([](Shelf& shelf) {
+         for (const char* name : {"bmpsuite-pal8topdown.bmp", "bmpsuite-rgb24.bmp",
+                                  "turbo-shira_bird8.bmp", "gd-tree-256.bmp"}) {
+           File file = shelf.assets.Read(name);
+           TSurfDesc size{};
+           LoadInfoBMP(size, file.data());
+           shelf.Add(name, std::to_string(size.width) + " x " + std::to_string(size.height) + ", " +
+                               std::to_string(size.bpp) + " bits");
+         }
+       })},
+      {"Loading", "LoadBMP, 24-bit file",
+       "One file decoded straight into each format. An 8-bit surface gets no pixels from it: it "
+       "stays orange, with the default palette.",
+       FromFile("bmpsuite-rgb24.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, 8-bit file",
+       "Indices go through the file's colour table; an 8-bit surface receives both, so it shows "
+       "the picture as exactly as 24 and 32 bits do.",
+       FromFile("bmpsuite-pal8.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, run-length coded", "The same picture, packed in runs: the same pixels.",
+       FromFile("bmpsuite-pal8rle.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, run-length coded, with skipped pixels",
+       "The file skips the inside of the letters. Skipped pixels take the colour of entry 0; at 8 "
+       "bits they keep what was there, the index of orange in a palette that is now the file's.",
+       FromFile("bmpsuite-pal8rletrns.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, top-down", "A negative height in the file: rows come from the top.",
+       FromFile("bmpsuite-pal8topdown.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, top-down run-length",
+       "The run-length file with its height negated, so it stands on its head; at 24 bits red and "
+       "blue are exchanged. Intended.",
+       FromFile("bmpsuite-pal8rle.bmp",
+                [](HostSurface& surface, File& file) {
+                  const int32_t height = -surface.height;
+                  for (int i = 0; i < 4; ++i) file[size_t(22 + i)] = uint8_t(height >> (8 * i));
+                  LoadBMP(surface, file.data());
+                })},
+      {"Loading", "LoadBMP, 12-byte header",
+       "The colour table of such a file is not read; its indices meet lu_gPaleta, the default "
+       "palette, instead. Intended.",
+       FromFile("bmpsuite-pal8os2.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, 32-bit file",
+       "Depths above 24 are read as 24, so a 32-bit file comes out wrong, and 8 bits get nothing. "
+       "Intended.",
+       FromFile("bmpsuite-rgb32.bmp",
+                [](HostSurface& surface, File& file) { LoadBMP(surface, file.data()); })},
+      {"Loading", "LoadBMP, alpha bits of a 24-bit file",
+       "Bit 15 of 555 and 1555, the alpha of 4444: the top bits of the byte behind the pixel, "
+       "mostly the next pixel's blue. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (Format format : {Format::k555, Format::k1555, Format::k4444}) {
+           const HostSurface picture = shelf.assets.Load("bmpsuite-rgb24.bmp", format);
+           shelf.Add(std::string(FactsOf(format).name) + ", alpha", AlphaOf(picture));
+         }
+       })},
+      {"Loading", "LoadInfoBMPAlpha, LoadBMPAlpha",
+       "The bytes of an 8-bit file as they stand, here shown as grey: a mask, whatever the "
+       "colour table says.",
+       OnShelf([](Shelf& shelf) {
+         for (const char* name : {"bmpsuite-pal8.bmp", "bmpsuite-pal8rle.bmp", "gd-tree-256.bmp"}) {
+           File file = shelf.assets.Read(name);
+           TSurfDesc size{};
+           LoadInfoBMPAlpha(size, file.data());
+           HostSurface mask(Format::k8, size.width, size.height);
+           CreateGreyPal(mask.Palette());
+           LoadBMPAlpha(mask, file.data());
+           shelf.Add(name, mask);
+         }
+       })},
+      {"Loading", "LoadInfoPGF, LoadPGF", "Kept for an image format that is not supported.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface surface(Format::k32, 16, 16);
+         uint8_t data[16] = {};
+         shelf.Add("LoadInfoPGF", Text(LoadInfoPGF(surface, data)));
+         shelf.Add("LoadPGF", Text(LoadPGF(surface, data)));
+       })},
+
+      // ------------------------------------------------------------------------------- Conversion
+      {"Conversion", "Convert, every pair",
+       "Down: the source's format. Across: the destination's. Channels are truncated, never "
+       "dithered. 24 and 32 bits reach 8 with red and blue exchanged, 1555 reaches 555 as 4444 "
+       "values; both intended.",
+       OnShelf([](Shelf& shelf) {
+         for (const FormatFacts& from : kFormats) {
+           Stage s(shelf.assets, from.format);
+           const Stage indexed(shelf.assets, Format::k8);
+           for (const FormatFacts& to : kFormats) {
+             HostSurface result(to.format, s.canvas.width, s.canvas.height);
+             if (to.bpp == 8) result.UsePaletteOf(indexed.canvas);
+             Convert(result, s.canvas, 2);
+             shelf.Add(std::string(from.name) + " to " + to.name, result);
+           }
+         }
+       })},
+      {"Conversion", "Convert to 8 bits, the four modes",
+       "Mode 1 writes no pixel, 2 searches the palette, 3 packs 3-3-2, 4 uses the model cube. From "
+       "24 bits red and blue are exchanged. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (Format from : {Format::k565, Format::k24}) {
+           HostSurface chart = shelf.assets.Load("bmpsuite-pal8.bmp", from);
+           for (uint32_t mode = 1; mode <= 4; ++mode) {
+             HostSurface result(Format::k8, chart.width, chart.height);
+             CreateModelPal(result.Palette());
+             if (mode == 3) CreateTruncPal(result.Palette());
+             Convert(result, chart, mode);
+             shelf.Add(std::string(FactsOf(from).name) + ", mode " + std::to_string(mode), result);
+           }
+         }
+       })},
+      {"Conversion", "Convert to 8 bits with the colours right",
+       "A host that wants the true colours of a 24-bit picture lends the conversion its palette "
+       "with red and blue exchanged as well.",
+       OnShelf([](Shelf& shelf) {
+         Stage deep(shelf.assets, Format::k24), indexed(shelf.assets, Format::k8);
+         HostSurface result = indexed.canvas;
+         ExchangeRedAndBlue(result);
+         Convert(result, deep.canvas, 2);
+         ExchangeRedAndBlue(result);
+         shelf.Add("24 bits", deep.canvas);
+         shelf.Add("8 bits", result);
+       })},
+      {"Conversion", "Convert takes the colour key along",
+       "A keyed 32-bit sprite, converted and then drawn. Only 555 shows its ground: full alpha "
+       "sets "
+       "bit 15 of the pixels, but not of the key. Intended.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 HostSurface deep = s.In(Format::k32).tree;
+                 deep.colorKey &= 0xFFFFFF;  // reductions to 8 bits ask for a key without alpha
+                 HostSurface sprite = s.tree;
+                 sprite.colorKey = kNoKey;
+                 if (s.format == Format::k8) ExchangeRedAndBlue(sprite);
+                 Convert(sprite, deep, 2);
+                 DrawBitmap(s.canvas, {33, 2, 68, 74}, sprite, {0, 0});
+               })},
+      {"Conversion", "Convert, alpha bits",
+       "From 32 bits the alpha bits come from the pixel's own alpha (here a ramp); from 24 bits "
+       "from the byte behind the pixel, mostly the next one's blue. Intended.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface deep = Stage(shelf.assets, Format::k32).canvas;
+         for (int x = 0; x < deep.width; ++x) {
+           for (int y = 0; y < deep.height; ++y) {
+             IdxFillRect(deep, {x, y, x + 1, y + 1},
+                         (deep.Stored(x, y) & 0xFFFFFF) | uint32_t(x * 255 / 99) << 24);
+           }
+         }
+         HostSurface plain(Format::k24, deep.width, deep.height);
+         Convert32_24_(plain, deep);
+         shelf.Add("the source's alpha", AlphaOf(deep));
+         for (Format format : {Format::k555, Format::k1555, Format::k4444}) {
+           HostSurface from32(format, deep.width, deep.height), from24 = from32;
+           Convert(from32, deep, 0);
+           Convert(from24, plain, 0);
+           shelf.Add(std::string("32 to ") + FactsOf(format).name + ", alpha", AlphaOf(from32));
+           shelf.Add(std::string("24 to ") + FactsOf(format).name + ", alpha", AlphaOf(from24));
+         }
+       })},
+      {"Conversion", "Convert16_...",
+       "The ten repackers by name. Convert16_5551_16_555 writes 4444 values into the 555 surface, "
+       "so its colours come out wrong. Intended.",
+       OnShelf([](Shelf& shelf) {
+         struct Repacker {
+           const char* name;
+           Format from, to;
+           bool (*convert)(TSurfDesc&, TSurfDesc&);
+         };
+         const Repacker repackers[] = {
+             {"Convert16_565_16_555", Format::k565, Format::k555, Convert16_565_16_555},
+             {"Convert16_4444_16_555", Format::k4444, Format::k555, Convert16_4444_16_555},
+             {"Convert16_555_16_4444", Format::k555, Format::k4444, Convert16_555_16_4444},
+             {"Convert16_565_16_4444", Format::k565, Format::k4444, Convert16_565_16_4444},
+             {"Convert16_4444_16_565", Format::k4444, Format::k565, Convert16_4444_16_565},
+             {"Convert16_4444_16_5551", Format::k4444, Format::k1555, Convert16_4444_16_5551},
+             {"Convert16_555_16_5551", Format::k555, Format::k1555, Convert16_555_16_5551},
+             {"Convert16_5551_16_555", Format::k1555, Format::k555, Convert16_5551_16_555},
+             {"Convert16_565_16_5551", Format::k565, Format::k1555, Convert16_565_16_5551},
+             {"Convert16_555_16_565", Format::k555, Format::k565, Convert16_555_16_565},
+         };
+         for (const Repacker& repacker : repackers) {
+           HostSurface chart = shelf.assets.Load("bmpsuite-pal8.bmp", repacker.from);
+           HostSurface result(repacker.to, chart.width, chart.height);
+           repacker.convert(result, chart);
+           shelf.Add(repacker.name, result);
+         }
+       })},
+      {"Conversion", "Convert24_32_, Convert32_24_",
+       "The colour bytes travel unchanged; 32 bits get a full fourth byte, 24 bits drop it.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface plain = shelf.assets.Load("bmpsuite-rgb24.bmp", Format::k24);
+         HostSurface deep(Format::k32, plain.width, plain.height);
+         Convert24_32_(deep, plain);
+         shelf.Add("Convert24_32_", deep);
+         HostSurface back(Format::k24, plain.width, plain.height);
+         Convert32_24_(back, deep);
+         shelf.Add("Convert32_24_", back);
+       })},
+      {"Conversion", "Convert8_8",
+       "Each palette entry of the source becomes the nearest of the destination's. Nearest means "
+       "no brighter in any channel where that is possible, so results lean to the dark side.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface photo = Stage(shelf.assets, Format::k8).canvas;
+         shelf.Add("source", photo);
+         HostSurface result = photo;
+         CreateModelPal(result.Palette());
+         Convert8_8(result, photo);
+         shelf.Add("to CreateModelPal", result);
+         CreateTruncPal(result.Palette());
+         Convert8_8(result, photo);
+         shelf.Add("to CreateTruncPal", result);
+         CreateGreyPal(result.Palette());
+         Convert8_8(result, photo);
+         shelf.Add("to CreateGreyPal", result);
+       })},
+      {"Conversion", "CopyImage",
+       "The raw bytes of a surface of the same format and pitch; at 8 bits the host takes the "
+       "palette along.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface copy(s.format, s.canvas.width, s.canvas.height);
+                 if (s.format == Format::k8) copy.UsePaletteOf(s.canvas);
+                 CopyImage(copy, s.canvas);
+                 return copy;
+               })},
+      {"Conversion", "CopyImage, different pitches",
+       "Each row copies as many bytes as the surface has pixels, so only 8 bits come out whole; "
+       "the deeper formats drift apart. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface copy(s.format, s.canvas.width, s.canvas.height, s.canvas.pitch + 8);
+                 if (s.format == Format::k8) copy.UsePaletteOf(s.canvas);
+                 CopyImage(copy, s.canvas);
+                 return copy;
+               })},
+
+      // ------------------------------------------------------------------------------------ Blits
+      {"Blits", "DrawBitmap, keyed sprite",
+       "Pixels that equal the source's key are left out; at 8 bits those of index 0.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 DrawBitmap(s.canvas, {33, 2, 68, 74}, s.tree, {0, 0});
+               })},
+      {"Blits", "DrawBitmap, opaque",
+       "Without a key every pixel is copied, except at 24 bits, where the last third of each row "
+       "keeps its old contents. Intended; give the source a key, or use DrawBlock.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 DrawBitmap(s.canvas, {8, 8, 92, 68}, s.chart, {20, 2});
+               })},
+      {"Blits", "DrawBitmap, clipped",
+       "Trees that reach over the edges: what lies outside is cut off, and the source point moves "
+       "along, so the rest stays where it belongs.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 DrawBitmap(s.canvas, {-20, -30, 15, 42}, s.tree, {0, 0});
+                 DrawBitmap(s.canvas, {85, 30, 120, 102}, s.tree, {0, 0});
+               })},
+      {"Blits", "DrawBitmap, whole surface",
+       "The short form: as large as the destination, from the source's first pixel. Opaque, so 24 "
+       "bits get two thirds of each row again.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 HostSurface window(s.format, 60, 64);
+                 if (s.format == Format::k8) window.UsePaletteOf(s.canvas);
+                 DrawBitmap(window, s.chart);
+                 return window;
+               })},
+      {"Blits", "DrawBitmap, 8-bit source",
+       "An 8-bit sprite on every depth: its palette gives the colours, index 0 is transparent. "
+       "Here 24 bits write all three bytes, with a key or without.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 HostSurface sprite = s.In(Format::k8).tree;
+                 DrawBitmap(s.canvas, {10, 2, 45, 74}, sprite, {0, 0});
+                 sprite.colorKey = kNoKey;
+                 DrawBitmap(s.canvas, {55, 2, 90, 74}, sprite, {0, 0});
+               })},
+      {"Blits", "DrawBitmap, 8-bit source without a palette",
+       "Then lu_gPaleta, the default palette, gives the colours. An 8-bit destination takes the "
+       "indices as they are.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 HostSurface sprite = s.In(Format::k8).tree;
+                 sprite.palette = nullptr;
+                 DrawBitmap(s.canvas, {33, 2, 68, 74}, sprite, {0, 0});
+               })},
+      {"Blits", "DrawBitmap, 565 source",
+       "Equal depths copy bits, not colours: 555, 1555 and 4444 show the 565 words misread. Other "
+       "depths draw nothing, and the call returns true all the same.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 HostSurface words = s.In(Format::k565).chart;
+                 DrawBitmap(s.canvas, {8, 8, 92, 68}, words, {20, 2});
+               })},
+      {"Blits", "DrawBlock",
+       "A block of pixels without key, clipping or conversion; whole at 24 bits too.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 DrawBlock(s.canvas, s.hippo, 0, 0, 8, 8, 36, 28);
+                 DrawBlock(s.canvas, s.hippo, 10, 4, 60, 40, 26, 24);
+               })},
+
+      // ------------------------------------------------------------------------- Fills and frames
+      {"Fills and frames", "IdxFillRect",
+       "Rectangles in one colour, clipped. Direct formats take 0xAARRGGBB, 8 bits take an index.",
+       OnPhoto({},
+               [](Stage& s) {
+                 IdxFillRect(s.canvas, {10, 10, 50, 40}, s.canvas.Colour(kRed));
+                 IdxFillRect(s.canvas, {40, 30, 70, 60}, s.canvas.Colour(kGold));
+                 IdxFillRect(s.canvas, {80, 50, 500, 500}, s.canvas.Colour(kSky));
+               })},
+      {"Fills and frames", "IdxFillRect, alpha bits",
+       "Sixteen columns with alpha 0x00, 0x11, ... 0xFF above, 0x00, 0x01, ... 0x0F below. The "
+       "16-bit formats fold the two halves of alpha together by OR: 4444 shows one ramp twice, bit "
+       "15 "
+       "of 555 and 1555 is bit 7 or bit 0. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (Format format : {Format::k555, Format::k1555, Format::k4444, Format::k32}) {
+           HostSurface surface(format, 96, 48);
+           for (int i = 0; i < 16; ++i) {
+             IdxFillRect(surface, {i * 6, 0, i * 6 + 6, 24}, uint32_t(i * 0x11) << 24);
+             IdxFillRect(surface, {i * 6, 24, i * 6 + 6, 48}, uint32_t(i) << 24);
+           }
+           shelf.Add(std::string(FactsOf(format).name) + ", alpha", AlphaOf(surface));
+         }
+       })},
+      {"Fills and frames", "IdxLineHI, IdxLineVI",
+       "Straight runs in the row above and the column left of the point; a negative length runs "
+       "back: red to the right and down, blue to the left and up.",
+       OnPaper({},
+               [](Stage& s) {
+                 for (int i = 2; i < 25; i += 2) {
+                   IdxLineHI(s.canvas, {25, 12 + 2 * i}, i, s.canvas.Colour(kRed));
+                   IdxLineHI(s.canvas, {25, 12 + 2 * i}, -i, s.canvas.Colour(kSky));
+                   IdxLineVI(s.canvas, {48 + 2 * i, 37}, i, s.canvas.Colour(kRed));
+                   IdxLineVI(s.canvas, {48 + 2 * i, 37}, -i, s.canvas.Colour(kSky));
+                 }
+               })},
+      {"Fills and frames", "FrameBR",
+       "The last row and the last column of a rectangle. The result is always false. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 for (int i = 0; i < 30; i += 5) {
+                   FrameBR(s.canvas, {10 + i, 5 + i, 60 + i, 35 + i}, s.canvas.Colour(kGold));
+                 }
+               })},
+      {"Fills and frames", "DrawRectShadow",
+       "One black frame, moved by one pixel, whatever step and depth ask for. Intended: the "
+       "card with depth 1 and the card with depth 8 look the same.",
+       OnPhoto({},
+               [](Stage& s) {
+                 IdxFillRect(s.canvas, {10, 15, 45, 60}, s.canvas.Colour(kWhite));
+                 DrawRectShadow(s.canvas, {10, 15, 45, 60}, 1, 1);
+                 IdxFillRect(s.canvas, {55, 15, 90, 60}, s.canvas.Colour(kWhite));
+                 DrawRectShadow(s.canvas, {55, 15, 90, 60}, 1, 8);
+               })},
+
+      // ------------------------------------------------------------------------------------ Lines
+      {"Lines", "Line",
+       "One pixel thick at full level; no smoothing, so the slopes show their steps. The colour "
+       "is 0x00RRGGBB at 8 bits too.",
+       OnPaper({},
+               [](Stage& s) {
+                 for (int i = 4; i <= 96; i += 8)
+                   Line(s.canvas, {4, 70}, {i, 4}, kInk, 255, false, 1);
+                 for (int i = 12; i <= 70; i += 8)
+                   Line(s.canvas, {4, 70}, {96, i}, kRed, 255, false, 1);
+               })},
+      {"Lines", "Line, soft",
+       "The same fan with its two edge pixels blended by coverage. 8 bits take the nearest entry "
+       "of the palette.",
+       OnPaper({},
+               [](Stage& s) {
+                 for (int i = 4; i <= 96; i += 8)
+                   Line(s.canvas, {4, 70}, {i, 4}, kInk, 255, true, 1);
+                 for (int i = 12; i <= 70; i += 8)
+                   Line(s.canvas, {4, 70}, {96, i}, kRed, 255, true, 1);
+               })},
+      {"Lines", "Line, level and thickness",
+       "Levels 42, 84, ... 252 from the top, each a pixel thicker than the last: thickness grows "
+       "downwards from the line, not to both sides.",
+       OnPhoto({},
+               [](Stage& s) {
+                 for (int i = 1; i <= 6; ++i) {
+                   const int y = 5 * i + i * (i - 1) / 2 - 2;
+                   const auto level = static_cast<unsigned short>(i * 42);
+                   Line(s.canvas, {4, y}, {96, y + 20}, kWhite, level, true, i);
+                 }
+               })},
+      {"Lines", "Line, soft edges only",
+       "Thickness 0: nothing but the two blended edge pixels of each step.",
+       OnPaper({},
+               [](Stage& s) {
+                 for (int i = 4; i <= 96; i += 8)
+                   Line(s.canvas, {4, 70}, {i, 4}, kInk, 255, true, 0);
+               })},
+
+      // ------------------------------------------------------------------------------- Flood fill
+      {"Flood fill", "Rellena",
+       "The paper inside the outline, filled from one point. 8-bit surfaces are not painted.",
+       OnPaper({},
+               [](Stage& s) {
+                 const CPunto star[] = {{50, 6},  {60, 28}, {88, 30}, {66, 46}, {74, 70}, {50, 56},
+                                        {26, 70}, {34, 46}, {12, 30}, {40, 28}, {50, 6}};
+                 for (int i = 0; i < 10; ++i) {
+                   Line(s.canvas, star[i], star[i + 1], kInk, 255, false, 2);
+                 }
+                 Rellena(s.canvas, s.work, 50, 40, 24, kPaper, kGold);
+               })},
+      {"Flood fill", "Rellena, tolerance",
+       "The ground below the hippo, from the bottom left corner, with tolerances 60, 180 and 260.",
+       OnPaper({&Stage::hippo},
+               [](Stage& s) {
+                 int x = 0;
+                 for (unsigned long tolerance : {60, 180, 260}) {
+                   HostSurface picture = s.hippo, work(Format::k8, 36, 28);
+                   Rellena(picture, work, 0, 27, tolerance, kWhite, kRed);
+                   DrawBlock(s.canvas, picture, 0, 0, static_cast<unsigned short>(x), 20, 32, 28);
+                   x += 34;
+                 }
+               })},
+      {"Flood fill", "Rellena, one-sided comparison",
+       "Two ramps around mid-grey, reference mid-grey, tolerance 120: darker neighbours are "
+       "similar, brighter ones never are. Intended.",
+       OnPaper({},
+               [](Stage& s) {
+                 for (int x = 0; x < 100; ++x) {
+                   const uint32_t grey = uint32_t(64 + x * 128 / 99);
+                   IdxFillRect(s.canvas, {x, 10, x + 1, 65}, s.canvas.Colour(grey * 0x010101));
+                 }
+                 Rellena(s.canvas, s.work, 49, 40, 120, 0x808080, kRed);
+               })},
+      {"Flood fill", "Rellena, the visited mask",
+       "What the work surface keeps: bits 1 up, 2 down, 4 right and 8 left of similar neighbours, "
+       "here times sixteen. Clear it before the next fill.",
+       OnPhoto({},
+               [](Stage& s) {
+                 Rellena(s.canvas, s.work, 20, 40, 240, 0xFFF0E0, kRed);
+                 HostSurface mask = s.work;
+                 CreateGreyPal(mask.Palette());
+                 for (TRGBA& entry : mask.Palette()) {
+                   entry.red = entry.green = entry.blue = uint8_t(entry.blue * 16);
+                 }
+                 return mask;
+               })},
+
+      // ---------------------------------------------------------------------- Pixels and palettes
+      {"Pixels and palettes", "Width, Height, ScanWidth, Size, Transp",
+       "The fields of the descriptor, here of the sprite.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 const CSize size = Size(s.tree);
+                 return "Width " + std::to_string(Width(s.tree)) +  //
+                        "\nHeight " + std::to_string(Height(s.tree)) + "\nScanWidth " +
+                        std::to_string(ScanWidth(s.tree)) + "\nSize " + std::to_string(size.width) +
+                        " x " + std::to_string(size.height) + "\nTransp " + Text(Transp(s.tree));
+               })},
+      {"Pixels and palettes", "GetPixel",
+       "The picture as GetPixel reports it. 8 and 32 bits report the pixel; 24 bits always 0; "
+       "the 16-bit formats the surface's width as a colour. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface report(Format::k32, s.canvas.width, s.canvas.height);
+                 for (int y = 0; y < report.height; ++y) {
+                   for (int x = 0; x < report.width; ++x) {
+                     auto colour = uint32_t(GetPixel(s.canvas, x, y));
+                     if (s.format == Format::k8) colour = s.canvas.Display(int(x), y);
+                     IdxFillRect(report, {x, y, x + 1, y + 1}, colour | 0xFF000000);
+                   }
+                 }
+                 return report;
+               })},
+      {"Pixels and palettes", "SetPixel",
+       "A pattern of single pixels. 32-bit surfaces are left unchanged. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 const uint32_t colour = s.format == Format::k8 ? s.canvas.Colour(kGold) : kGold;
+                 for (int y = 5; y < 70; ++y) {
+                   for (int x = 5; x < 95; ++x) {
+                     if ((x * x + y * y) / 16 % 8 == 0) SetPixel(s.canvas, x, y, colour);
+                   }
+                 }
+               })},
+      {"Pixels and palettes", "CreateModelPal, CreateGreyPal, CreateTruncPal, lu_gPaleta",
+       "The palettes that the library builds: a cube of 6 x 7 x 6 colours, a grey ramp, 3-3-2. "
+       "lu_gPaleta is the cube; its last four entries stay as they are.",
+       OnShelf([](Shelf& shelf) {
+         TRGBA palette[256] = {};
+         CreateModelPal(palette);
+         shelf.Add("CreateModelPal", Swatches(palette));
+         CreateGreyPal(palette);
+         shelf.Add("CreateGreyPal", Swatches(palette));
+         CreateTruncPal(palette);
+         shelf.Add("CreateTruncPal", Swatches(palette));
+         shelf.Add("lu_gPaleta", Swatches(lu_gPaleta));
+       })},
+      {"Pixels and palettes", "InitializeDLL",
+       "Runs by itself when the library is loaded; called again it rebuilds lu_gPaleta, here after "
+       "the host has painted it over. Entries 252 to 255 are the host's and stay.",
+       OnShelf([](Shelf& shelf) {
+         for (TRGBA& entry : lu_gPaleta) entry = {0x20, 0x60, 0xE0, 0};
+         shelf.Add("overwritten by the host", Swatches(lu_gPaleta));
+         InitializeDLL();
+         shelf.Add("after InitializeDLL", Swatches(lu_gPaleta));
+         for (int i = 252; i < 256; ++i) lu_gPaleta[i] = {};
+       })},
+  };
+  return operations;
+}
