@@ -34,7 +34,7 @@ bool BlendColour(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, uint32_
     using Format = decltype(format);
     if (!PointInSurface(mask, mask_at)) return false;
     if (!ClipRectPoint(dst, rect, mask_at)) return false;
-    uint8_t pixels[kRepeatedPixels * Format::kBytes];
+    alignas(64) uint8_t pixels[kRepeatedPixels * Format::kBytes];
     for (size_t i = 0; i < sizeof(pixels); i += Format::kBytes) {
       Format::Store(pixels + i, typename Format::Word(StoredColour<Format>(colour)));
     }

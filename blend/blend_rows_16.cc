@@ -67,10 +67,9 @@ template <class D, class V = hn::VFromD<D>>
 HWY_INLINE V BlendTops(Overlay, D d, V a, V b) {
   // Upside down where a is 128 or more.
   const hn::RebindToSigned<D> di;
-  const V upside_down = hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(di, a)));
-  const V full = hn::Set(d, 0xFF00);
-  const V x = hn::And(hn::Xor(a, upside_down), full), y = hn::And(hn::Xor(b, upside_down), full);
-  return hn::Xor(MultiplyDivide255<true>(d, x, y), upside_down);
+  const V above_127 = hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(di, a)));
+  const V flip = hn::And(above_127, hn::Set(d, 0xFF00));
+  return hn::Xor(MultiplyDivide255<true>(d, hn::Xor(a, flip), hn::Xor(b, flip)), flip);
 }
 
 // `value(field)` of each colour field, at the top of the lane, as pixels; alpha bits 0.

@@ -1,4 +1,7 @@
 // Blend modes at 24 bits.
+#include <array>
+#include <type_traits>
+
 #include "blend/blend_pixel.h"
 #include "blend/blend_rows.h"
 
@@ -49,7 +52,8 @@ struct MaskedBlendKernel<Rgb888, Formula> {
     const WordTag<D8> d;
     const Words<D8> from = LoadWords<3>(d8, dst), with = LoadWords<3>(d8, src);
     const auto blend = [&](auto below, auto above, size_t part) HWY_ATTR {
-      return InterpolateWords<Rgb888, Formula>(d, below, above, mask + part * hn::MaxLanes(d));
+      return InterpolateWords<Rgb888, Formula>(d, below, above,
+                                               LoadWeights(d, mask + part * hn::MaxLanes(d)));
     };
     StoreWords<3>(d8,
                   Words<D8>{blend(from.v0, with.v0, 0), blend(from.v1, with.v1, 1),

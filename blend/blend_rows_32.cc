@@ -1,4 +1,7 @@
 // Blend modes at 32 bits.
+#include <array>
+#include <type_traits>
+
 #include "blend/blend_pixel.h"
 #include "blend/blend_rows.h"
 
@@ -49,9 +52,10 @@ struct MaskedBlendKernel<Argb8888, Formula> {
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
                          const uint8_t* mask) const {
-    StorePixels(
-        d, InterpolateWords<Argb8888, Formula>(d, LoadPixels(d, dst), LoadPixels(d, src), mask),
-        out);
+    StorePixels(d,
+                InterpolateWords<Argb8888, Formula>(d, LoadPixels(d, dst), LoadPixels(d, src),
+                                                    LoadWeights(d, mask)),
+                out);
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
                         const uint8_t* mask) const {

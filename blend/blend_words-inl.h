@@ -16,10 +16,17 @@ namespace HWY_NAMESPACE {
 template <class Format, class Formula, class D, class V = hn::VFromD<D>>
 HWY_INLINE V BlendWords(D d, V dst, V src) {
   const hn::Repartition<uint8_t, D> d8;
+  constexpr bool kKeepsFourthByte = Format::kBytes == 4 && !Formula::kBlendsFourthByte;
+  const V fourth = hn::Set(d, 0xFF000000);
+  // A source of 0 or 255 changes nothing there.
+  if constexpr (kKeepsFourthByte && std::is_same_v<Formula, Lighten>) src = hn::AndNot(fourth, src);
+  if constexpr (kKeepsFourthByte && std::is_same_v<Formula, Darken>) src = hn::Or(fourth, src);
   const V blended =
       hn::BitCast(d, BlendBytes(Formula(), d8, hn::BitCast(d8, dst), hn::BitCast(d8, src)));
-  if constexpr (Format::kBytes < 4 || Formula::kBlendsFourthByte) return blended;
-  return hn::BitwiseIfThenElse(hn::Set(d, 0xFF000000), dst, blended);
+  if constexpr (kKeepsFourthByte && std::is_same_v<Formula, Overlay>) {
+    return hn::BitwiseIfThenElse(fourth, dst, blended);
+  }
+  return blended;
 }
 
 template <class Format, class Formula, class D, class V = hn::VFromD<D>>
@@ -29,28 +36,59 @@ HWY_INLINE V BlendVisibleWords(D d, V dst, V src, uint32_t transparent) {
                         BlendWords<Format, Formula>(d, dst, src));
 }
 
-// One mask byte for each word.
-template <class Format, class Formula, class D, class V = hn::VFromD<D>>
-HWY_INLINE V InterpolateWords(D d, V dst, V src, const uint8_t* mask) {
-  const hn::Repartition<uint16_t, D> d16;
-  const auto low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
-  const V m = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
-  const auto d_16 = hn::BitCast(d16, dst), s_16 = hn::BitCast(d16, src);
-  const auto t_16 = hn::BitCast(d16, BlendWords<Format, Formula>(d, dst, src));
-
-  // Even and odd bytes as words, each with the weight of its pixel.
-  auto even_weight = hn::BitCast(d16, hn::Or(m, hn::ShiftLeft<16>(m)));
-  auto odd_weight = even_weight;
-  if constexpr (Formula::kSourceInWeight) {
-    even_weight = hn::Or(even_weight, hn::ShiftLeft<8>(s_16));
-    odd_weight = hn::OrAnd(odd_weight, s_16, high);
+// Mask bytes as 16-bit numbers, each for both halves of its pixel's word: m 0 m 0.
+template <class D, class V = hn::VFromD<D>>
+HWY_INLINE V LoadWeights(D d, const uint8_t* mask) {
+  constexpr size_t kLanes = hn::MaxLanes(D());
+  if constexpr (kHaveByteShuffle && kLanes >= 4) {
+    // Every block of 16 bytes gets all mask bytes and picks its own four.
+    const hn::Repartition<uint8_t, D> d8;
+    static constexpr auto kFrom = [] {
+      std::array<uint8_t, kLanes * 4> from{};
+      for (size_t i = 0; i < from.size(); ++i) from[i] = uint8_t(i % 2 == 0 ? i / 4 : 0x80);
+      return from;
+    }();
+    hn::VFromD<decltype(d8)> bytes;
+    if constexpr (kLanes == 16) {
+      bytes = hn::LoadDup128(d8, mask);
+    } else if constexpr (kLanes == 8) {
+      bytes = hn::BitCast(d8, hn::Set(hn::Repartition<uint64_t, D>(), LoadWord<uint64_t>(mask)));
+    } else {
+      bytes = hn::BitCast(d8, hn::Set(d, LoadWord<uint32_t>(mask)));
+    }
+    return hn::BitCast(d, hn::TableLookupBytesOr0(bytes, hn::LoadU(d8, kFrom.data())));
+  } else {
+    const V m = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
+    return hn::Or(m, hn::ShiftLeft<16>(m));
   }
-  const auto even = hn::Mul(hn::Sub(hn::And(t_16, low), hn::And(d_16, low)), even_weight);
-  const auto odd = hn::Mul(hn::Sub(hn::ShiftRight<8>(t_16), hn::ShiftRight<8>(d_16)), odd_weight);
-  const auto even_result = hn::ShiftRight<8>(hn::Add(even, hn::ShiftLeft<8>(d_16)));
-  const auto odd_result = hn::Add(odd, hn::And(d_16, high));
-  const V result = hn::BitCast(d, hn::OrAnd(even_result, odd_result, high));
-  return hn::IfThenElse(hn::Eq(m, hn::Zero(d)), dst, result);
+}
+
+// Bytes on their way from dst to `to`; the weights of even and odd bytes are 16-bit numbers.
+template <class Formula, class D8, class V = hn::VFromD<D8>, class V16 = hn::VFromD<Wide<D8>>>
+HWY_INLINE V InterpolateBytes(D8 d8, V dst, V src, V to, V16 even_weight, V16 odd_weight) {
+  const Wide<D8> d16;
+  const auto low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
+  const auto d = hn::BitCast(d16, dst), s = hn::BitCast(d16, src), t = hn::BitCast(d16, to);
+  if constexpr (Formula::kSourceInWeight) {
+    even_weight = hn::Or(even_weight, hn::ShiftLeft<8>(s));
+    odd_weight = hn::OrAnd(odd_weight, s, high);
+  }
+  const auto even = hn::Mul(hn::Sub(hn::And(t, low), hn::And(d, low)), even_weight);
+  const auto odd = hn::Mul(hn::Sub(hn::ShiftRight<8>(t), hn::ShiftRight<8>(d)), odd_weight);
+  // The upper byte of each product is what is added.
+  const auto moves = hn::OrAnd(hn::ShiftRight<8>(even), odd, high);
+  return hn::Add(dst, hn::BitCast(d8, moves));
+}
+
+template <class Format, class Formula, class D, class V = hn::VFromD<D>>
+HWY_INLINE V InterpolateWords(D d, V dst, V src, V weights) {
+  const hn::Repartition<uint8_t, D> d8;
+  const hn::Repartition<uint16_t, D> d16;
+  const auto weight = hn::BitCast(d16, weights);
+  const auto to = hn::BitCast(d8, BlendWords<Format, Formula>(d, dst, src));
+  const auto result =
+      InterpolateBytes<Formula>(d8, hn::BitCast(d8, dst), hn::BitCast(d8, src), to, weight, weight);
+  return hn::IfThenElse(hn::Eq(weights, hn::Zero(d)), dst, hn::BitCast(d, result));
 }
 
 }  // namespace HWY_NAMESPACE
