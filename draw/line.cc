@@ -2,6 +2,7 @@
 // the same pixels on every machine.
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 #include "draw/line_pixel.h"
@@ -34,7 +35,7 @@ void DrawAlong(uint8_t* pixels, Axis along, Axis across, End first, End last, In
   const float intercept = float(first.across) - float(first.along) * slope;
 
   const float limit = float(across.pixels);
-  const float width = float(thickness);
+  const float breadth = float(thickness);
   const int64_t end = std::min(last.along, along.pixels);  // one past the surface. Intended.
   for (int64_t at = std::max(first.along, 0); at <= end; ++at) {
     const float centre = float(int32_t(at)) * slope + intercept;
@@ -42,7 +43,7 @@ void DrawAlong(uint8_t* pixels, Axis along, Axis across, End first, End last, In
     uint8_t* const line = pixels + ptrdiff_t(at) * along.step;
     const auto pixel = [&](int32_t row) { return line + row * across.step; };
     if (soft) {
-      const float behind = centre + width;
+      const float behind = centre + breadth;
       const int32_t behind_row = Truncate(behind);
       ink.CoverPart(pixel(behind_row), std::abs(behind - float(behind_row)));
       // A centre between 0 and 1 blends row 0 here too, with a coverage above 1, and a centre of 0
@@ -63,7 +64,7 @@ bool Line(TSurfDesc& dst, CPunto const& p1, CPunto const& p2, unsigned long colo
   using namespace pincel;
   return Dispatch(AllFormats{}, dst, false, [&](auto format) {
     using Format = decltype(format);
-    LineInk<Format> ink(dst, ToBgr(uint32_t(colour)), std::min<int>(alpha, 255));
+    const LineInk<Format> ink(dst, ToBgr(uint32_t(colour)), std::min<int>(alpha, 255));
     const Axis columns{dst.width, Format::kBytes};
     const Axis rows{dst.height, dst.pitch};
     if (std::abs(int64_t{p2.x} - p1.x) > std::abs(int64_t{p2.y} - p1.y)) {

@@ -59,7 +59,7 @@ Header ReadHeader(const uint8_t* file) {
     header.height = half(20);
     header.bits = half(24);
   }
-  // Such files have their pixels where others have the colour table, whatever their header says.
+  // A file that starts with "QX" has its pixels where others have the colour table.
   const bool fixed_offset = file[0] == 'Q' && file[1] == 'X';
   header.pixels = file + (fixed_offset ? kColourTableOffset : ptrdiff_t(word(10)));
   return header;
