@@ -38,6 +38,7 @@
 #ifndef PINCEL_H_
 #define PINCEL_H_
 
+#include <stddef.h>
 #include <stdint.h>
 
 #if defined(PINCEL_STATIC)
@@ -110,7 +111,10 @@ struct RAW {
   uint8_t* output;         /**< receives the frame's indices */
 };
 
-/** Decoder state of the GIF entry points; caller-owned. */
+/** Decoder state of the GIF entry points; caller-owned.
+ *
+ * The methods are the steps that the entry points are made of. Their results: 0 done; 3 the file's
+ * trailer; 5 minimum code size outside 2 to 9; 6 no GIF file; 7 something is missing. */
 struct CQXGIF {
   uint8_t* cursor;   /**< next block or sub-block length byte */
   uint8_t* blockPos; /**< next unread byte of the current sub-block */
@@ -119,6 +123,28 @@ struct CQXGIF {
   int32_t blockLeft; /**< bytes left in the current sub-block */
   uint32_t bitCount; /**< unused high bits of `bitByte` */
   uint32_t bitByte;  /**< last byte fetched */
+
+  /** Reads the screen's size and the global colour table, and moves to the first block.
+   * @param data the file's first byte.
+   * @param frame receives the size and, if its `readPalette` is set, as many palette entries as the
+   *        file has.
+   * @return 0; 6; 7 without data or record. After 6 and 7 there is no cursor. */
+  PINCEL_API uint32_t ReadHeader(unsigned char* data, RAW* frame);
+
+  /** Moves behind the introducer of the next image. Extensions are skipped unread, bytes that start
+   * no block are passed over.
+   * @return 0; 3; 7 without a cursor. */
+  PINCEL_API uint32_t NextImage();
+
+  /** Decodes the image that NextImage has found.
+   * @param frame `output` receives width x height indices, packed, and nothing behind them; `width`,
+   *        `height` and, if `readPalette` is set, the image's colour table are stored.
+   * @return 0, also for a stream that ends early; 5; 7 without cursor, record or output. */
+  PINCEL_API uint32_t DecodeImage(RAW* frame);
+
+  /** Reads one code of the image's data, `codeSize` bits wide (at most 12).
+   * @return the code; `endCode` at the end of the data. */
+  PINCEL_API uint32_t ReadCode();
 };
 
 static_assert(sizeof(TRGBA) == 4 && sizeof(CRectangulo) == 16, "plain records without padding");
@@ -432,7 +458,7 @@ PINCEL_API bool DrawRectShadow(TSurfDesc& dst, CRectangulo rect, unsigned char s
  * along y), **that column or row included**. Steps whose centre lies outside the other axis are
  * left out; otherwise the thickness runs from the centre line towards larger coordinates and is
  * **not clipped**: keep the line and its thickness inside the surface, one pixel away from its far
- * edges when they matter.
+ * edges when they matter, a soft line from its near edges too.
  *
  * 32 and 24 bits blend in floating point with the level / 255, the fourth byte is kept. 565, 555,
  * 1555 and 4444 blend field by field, d + ((c - d) x weight >> 8), so full level leaves a rest;
@@ -467,7 +493,7 @@ PINCEL_API bool Line(TSurfDesc& dst, CPunto const& p1, CPunto const& p2, unsigne
  * @param tolerance largest sum that still counts as similar, 0..765.
  * @param reference true colour 0x00RRGGBB to compare with.
  * @param colour true colour 0x00RRGGBB to paint.
- * @return always true. */
+ * @return true, also when nothing was painted; false only for an unsupported format. */
 PINCEL_API bool Rellena(TSurfDesc& dst, TSurfDesc& work, int x, int y, unsigned long tolerance,
                         unsigned long reference, unsigned long colour);
 
@@ -488,7 +514,8 @@ PINCEL_API bool DrawBlock(TSurfDesc& dst, TSurfDesc& src, unsigned short sx, uns
  * the size, prepare a surface of any format, load. @{ */
 
 /** Reads size and depth from a BMP file.
- * @param surface receives `width`, `height` (absolute value) and `bpp`; nothing else is written.
+ * @param surface receives `width`, `height` (absolute value; INT32_MAX for the lowest of all) and
+ *        `bpp`; nothing else is written.
  * @param bitmap the file's first byte; its header must be complete.
  * @return always true. */
 PINCEL_API bool LoadInfoBMP(TSurfDesc& surface, unsigned char* bitmap);
@@ -504,7 +531,8 @@ PINCEL_API bool LoadInfoBMP(TSurfDesc& surface, unsigned char* bitmap);
  * The surface's width and height drive the decoding, so give it those of LoadInfoBMP. Run-length
  * data never writes outside the surface: what crosses the end of a row is left out, and moves
  * outside the surface end the decoding. Pixels that run-length data skips take the colour of entry
- * 0, unless that packs to 0; on 8-bit surfaces they keep their old contents.
+ * 0, unless that packs to 0 (in a top-down file only those skipped by a move); on 8-bit surfaces they
+ * keep their old contents.
  *
  * Alpha bits: palette entries count as alpha 255 (32-bit surfaces get the entry whole); 24-bit data
  * gives 555, 1555 and 4444 pixels **the top bits of the byte that follows the pixel** in the file,
@@ -535,6 +563,94 @@ PINCEL_API bool LoadInfoBMPAlpha(TSurfDesc& surface, unsigned char* bitmap);
  * @param bitmap the file's first byte; an 8-bit file.
  * @return always true. */
 PINCEL_API bool LoadBMPAlpha(TSurfDesc& surface, unsigned char* bitmap);
+
+/** Reads the screen size of a GIF file and starts a walk over its frames:
+ *
+ *     CQXGIF gif;
+ *     RAW frame;
+ *     if (LoadInfoGIF(surface, data, gif, frame)) {
+ *       // ... give the surface a format and memory
+ *       while (LoadGIFNext(surface, data, gif, frame)) {
+ *         if (LoadGIF(surface, data, gif, frame)) Show(surface);
+ *       }
+ *       LoadGIFEnd(surface, data, gif, frame);
+ *     }
+ *
+ * The walk needs a complete file whose last block is the trailer: the length is not known. For files
+ * of unknown origin there are #pincel_gif_frame and #pincel_load_gif.
+ * @param surface receives `width` and `height` of the screen and `bpp` 8; for a file that is no GIF
+ *        the size that `frame` had.
+ * @param data the file's first byte; null gives false.
+ * @param gif decoder state, to be passed to the other calls. It and `frame` are all the state there
+ *        is: walks with records of their own are independent.
+ * @param frame receives the size, and the global colour table in an otherwise black palette.
+ * @return false when the file does not start with "GIF". */
+PINCEL_API bool LoadInfoGIF(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** Goes to the next frame, the first one included.
+ *
+ * Transparency, delay, disposal and position are not read. What an early end code leaves of the frame
+ * before is searched for blocks, too.
+ * @param surface not touched. @param data not read.
+ * @param gif state from LoadInfoGIF or LoadInfoGIFAlpha. @param frame not touched.
+ * @return false at the end of the file, and without LoadInfoGIF. */
+PINCEL_API bool LoadGIFNext(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** Decodes the frame that LoadGIFNext has found into a surface of any format.
+ *
+ * One index per pixel, rows of the frame's width without padding, goes to the start of the surface's
+ * memory. There the indices are turned into pixels, with **the surface's width**: give the surface
+ * the frame's, or the picture is skewed. Where no pixel is written, indices remain and can be seen:
+ * in the padding of rows and in **the fourth bytes of 32-bit pixels**, which are never written as
+ * such. The indices stay as they are when the width equals the pitch in bytes, when a row does not
+ * fit the pitch, and on deeper surfaces after LoadInfoGIFAlpha.
+ *
+ * Alpha bits of 555, 1555 and 4444 pixels are set. An 8-bit surface's palette, unless it is null,
+ * gets all 256 entries of `frame`; there every black entry but entry 0 gets blue 1.
+ *
+ * Nothing is written outside the surface, height x pitch bytes from its first pixel, whatever the
+ * file says: what does not fit is left out. So a surface with a negative pitch receives nothing. A
+ * stream that lacks the clear code at its start counts the first index as one behind a 0.
+ * @param surface destination; pixels, pitch, masks and, at 8 bits, palette filled in by the caller.
+ * @param data not read.
+ * @param gif state. @param frame receives the frame's size and its own colour table, over the entries
+ *        of the table before.
+ * @return true, also for a stream that ends early; false for an unsupported surface, one without
+ *         pixels, a code size outside 2 to 9, or without a frame. */
+PINCEL_API bool LoadGIF(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** Ends a walk. There is nothing to be released.
+ * @param surface not touched. @param data not read.
+ * @param gif loses its place in the file. @param frame not touched.
+ * @return always true. */
+PINCEL_API bool LoadGIFEnd(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** Starts a walk over frames whose indices are all that counts: LoadInfoGIF without colour tables.
+ * @param surface receives `width` and `height` of the screen and `bpp` 8.
+ * @param data the file's first byte. @param gif decoder state.
+ * @param frame receives the size and a black palette; colour tables of the file are skipped.
+ * @return see LoadInfoGIF. */
+PINCEL_API bool LoadInfoGIFAlpha(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** LoadGIFNext by another name.
+ * @param surface not touched. @param data not read.
+ * @param gif state from LoadInfoGIFAlpha. @param frame not touched.
+ * @return see LoadGIFNext. */
+PINCEL_API bool LoadGIFAlphaNext(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** Decodes the indices of a frame as they are: an alpha map or mask.
+ *
+ * As LoadGIF on an 8-bit surface; no palette is touched and the surface's depth is not looked at.
+ * @param surface 8-bit destination. @param data not read.
+ * @param gif state. @param frame receives the frame's size.
+ * @return true; false for a surface without pixels, a code size outside 2 to 9, or without a frame. */
+PINCEL_API bool LoadGIFAlpha(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
+
+/** LoadGIFEnd by another name.
+ * @param surface not touched. @param data not read.
+ * @param gif loses its place in the file. @param frame not touched.
+ * @return always true. */
+PINCEL_API bool LoadGIFAlphaEnd(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
 
 /** Kept for an image format that is not supported.
  * @param surface not touched. @param data not read.
@@ -914,7 +1030,39 @@ PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc&
 /** @} */
 
 /** @defgroup additions Additions
- * Helpers with C linkage and the prefix `pincel_`, beside the interface proper. @{ */
+ * Helpers with C linkage and the prefix `pincel_`, beside the interface proper.
+ *
+ * **Loading files of unknown origin.** The loaders here know the file's length. They read nothing
+ * outside [data, data + length), write nothing outside the image's rectangle at the surface's top
+ * left corner, and take time in proportion to length and pixels. The surface must be at least as
+ * large as the image; its fields must describe real memory, as ever; its pitch may be negative. An
+ * image is decoded as its writers mean it, without the irregularities of the older loaders: opaque
+ * pixels have all alpha bits set (bit 15 of 555 pixels too). An 8-bit surface gets indices and, in
+ * its palette unless that is null, the image's colours, where every black entry but entry 0 gets
+ * blue 1. @{ */
+
+/** What became of a file. */
+enum pincel_status : int32_t {
+  PINCEL_OK = 0,              /**< complete */
+  PINCEL_TRUNCATED = 1,       /**< the data ends early; the pixels before that are in the surface */
+  PINCEL_NOT_THIS_FORMAT = 2, /**< another kind of file; nothing was written */
+  PINCEL_UNSUPPORTED = 3,     /**< a variant, or a surface for it, that is not supported; nothing
+                                     was written */
+  PINCEL_CORRUPT = 4,         /**< the file contradicts itself; the pixels before that are in the
+                                     surface */
+  PINCEL_SURFACE_TOO_SMALL = 5, /**< smaller than the image; nothing was written */
+  PINCEL_NO_FRAME = 6           /**< the walk is behind the last frame */
+};
+
+/** A frame of a GIF file, as #pincel_gif_frame finds it. All zero before the first. */
+struct TGifFrame {
+  size_t offset;       /**< place in the file; 0: before the first frame */
+  CRectangulo area;    /**< rectangle on the screen; may reach beyond it */
+  int32_t delay;       /**< time on the screen, in hundredths of a second */
+  int32_t transparent; /**< index of the pixels that show what is below; -1: none */
+  int32_t disposal;    /**< then: 0, 1 stays; 2 area is cleared; 3 area is as before this frame */
+  int32_t loops;       /**< repetitions as far as read; 0: without end; -1: not said */
+};
 
 extern "C" {
 
@@ -929,6 +1077,41 @@ extern "C" {
  * @param dither 0 for equal planes. */
 PINCEL_API void pincel_build_mix_table(unsigned char table[2][65536], const TRGBA palette[256],
                                        int dither);
+
+/** Reads the screen size of a GIF file.
+ * @param surface receives `width`, `height` and `bpp` 8, with #PINCEL_OK only.
+ * @param data the file. @param length its bytes.
+ * @return OK, TRUNCATED (inside header or colour table), NOT_THIS_FORMAT. */
+PINCEL_API pincel_status pincel_load_info_gif(TSurfDesc& surface, const unsigned char* data,
+                                              size_t length);
+
+/** Finds the next frame of a GIF file and what is said about it; decodes nothing:
+ *
+ *     TGifFrame frame = {};
+ *     while (pincel_gif_frame(frame, data, length) == PINCEL_OK) {
+ *       // ... a surface of the size of frame.area
+ *       pincel_load_gif(surface, data, length, frame);
+ *     }
+ * @param frame all zero for the first frame, else the frame before. With OK it receives the next one
+ *        and its facts; otherwise it is left as it is.
+ * @param data the file. @param length its bytes.
+ * @return OK; NO_FRAME at the end of the file, with or without a trailer; TRUNCATED when the file
+ *         ends inside the frame before, an extension or the frame's header; NOT_THIS_FORMAT. */
+PINCEL_API pincel_status pincel_gif_frame(TGifFrame& frame, const unsigned char* data,
+                                          size_t length);
+
+/** Decodes one frame of a GIF file into the top left corner of a surface of any format.
+ *
+ * The surface must hold the frame (`frame.area`), not the screen. Pixels of the transparent index
+ * get alpha 0 where the format has alpha.
+ * @param surface destination.
+ * @param data the file. @param length its bytes.
+ * @param frame from #pincel_gif_frame.
+ * @return OK; TRUNCATED (fewer pixels than the frame has, the others are left as they were); CORRUPT
+ *         (also a minimum code size outside 2 to 9); NOT_THIS_FORMAT; UNSUPPORTED (the surface's
+ *         depth); SURFACE_TOO_SMALL; NO_FRAME when `frame` is none of this file. */
+PINCEL_API pincel_status pincel_load_gif(TSurfDesc& surface, const unsigned char* data,
+                                         size_t length, const TGifFrame& frame);
 
 } /* extern "C" */
 
