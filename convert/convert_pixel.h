@@ -102,7 +102,7 @@ struct ToCube {
 static_assert(ToTruncated<Rgb888>::Of(0x0000FF) == 0xE0 && ToTruncated<Rgb888>::Of(0xFF0000) == 3);
 static_assert(ToTruncated<Rgb565>::Of(0xF800) == 0xE0 && ToCube<Rgb888>::Of(0xFFFFFF) == 251);
 
-// A reduction writes index 0 for the pixels whose colour is `hidden`, 0x00RRGGBB.
+// A reduction writes index 0 for the pixels whose colour is `hidden`: 0x00RRGGBB, or none.
 constexpr uint32_t kHidesNothing = 0xFFFFFFFF;
 
 template <class Reduction>

@@ -42,7 +42,7 @@ uint32_t HiddenColour(uint32_t key) {
   } else {
     // The whole key is compared with the colour bytes: one with a top byte matches nothing.
     // Intended.
-    return key;
+    return key <= 0x00FFFFFF ? key : kHidesNothing;
   }
 }
 

@@ -127,7 +127,7 @@ class BlockSearch {
     } else {
       cells_.Praise();
     }
-    if (hidden <= 0xFFFFFF) Hide(hidden);
+    if (hidden != kHidesNothing) Hide(hidden);
     std::memcpy(dst, nearest_, size);
   }
 

@@ -16,7 +16,7 @@ struct ToNearest {
 
   // A colour to hide, in these roles.
   static constexpr uint32_t HiddenInRoles(uint32_t hidden) {
-    return PackedFields<Src> || hidden > 0xFFFFFF ? hidden : Roles::Of(hidden);
+    return PackedFields<Src> || hidden == kHidesNothing ? hidden : Roles::Of(hidden);
   }
 };
 using EntryToNearest = ToNearest<Argb8888, ByteFields>;

@@ -35,45 +35,36 @@ HWY_INLINE hn::VFromD<D16> IndicesOf(ToCube<Src>, D16 d, hn::VFromD<D16> words) 
   return hn::Add(hn::Mul(red_green, hn::Set(d, uint16_t(kCubeBlues))), blue);
 }
 
-// Bytes 0 and 2, in the roles of red and blue, side by side in 16-bit lanes; byte 1, green, and the
-// top byte, which counts nothing, likewise.
+// The same with two channels to a word: bytes 0 and 2, in the roles of red and blue, then byte 1,
+// green, whose neighbour, the top byte, counts nothing.
 template <class Src, class D32>
 HWY_INLINE hn::VFromD<D32> IndicesOf(ToCube<Src>, D32 d, hn::VFromD<D32> words) {
-  static_assert(kCubeReds == kCubeBlues);
   const hn::Repartition<uint16_t, D32> d16;
   const hn::Repartition<int16_t, D32> di16;
   const hn::Repartition<int32_t, D32> di32;
-  const auto levels = [&](auto channels, uint32_t count) HWY_ATTR {
-    return hn::BitCast(di16, hn::ShiftRight<8>(hn::Mul(channels, hn::Set(d16, uint16_t(count)))));
+  const auto pair = [&](uint32_t low, uint32_t high)
+                        HWY_ATTR { return hn::BitCast(d16, hn::Set(d, low | high << 16)); };
+  const auto weighted = [&](auto levels, auto weights) HWY_ATTR {
+    return hn::WidenMulPairwiseAdd(di32, hn::BitCast(di16, levels), hn::BitCast(di16, weights));
   };
-  const auto factors = [&](uint32_t low, uint32_t high)
-                           HWY_ATTR { return hn::BitCast(di16, hn::Set(d, low | high << 16)); };
-  const auto pairs = hn::BitCast(d16, words);
-  const auto red_blue = levels(hn::And(pairs, hn::Set(d16, 0xFF)), kCubeReds);
-  const auto green = levels(hn::ShiftRight<8>(pairs), kCubeGreens);
-  const auto sum =
-      hn::Add(hn::WidenMulPairwiseAdd(di32, red_blue, factors(kCubeGreens * kCubeBlues, 1)),
-              hn::WidenMulPairwiseAdd(di32, green, factors(kCubeBlues, 0)));
-  return hn::BitCast(d, sum);
+  const auto channels = hn::BitCast(d16, words);
+  const auto red_blue = hn::MulHigh(hn::ShiftLeft<8>(channels), pair(kCubeReds, kCubeBlues));
+  const auto green = hn::MulHigh(hn::And(channels, hn::Set(d16, 0xFF00)), pair(kCubeGreens, 0));
+  return hn::BitCast(d, hn::Add(weighted(red_blue, pair(kCubeGreens * kCubeBlues, 1)),
+                                weighted(green, pair(kCubeBlues, 0))));
 }
 
 template <class Formula>
 struct ReduceKernel {
   using Src = typename Formula::Src;
+  using Fields = FieldsOf<Src>;
   using Lane = uint8_t;
   static constexpr size_t kDstBytes = 1, kSrcBytes = Src::kBytes;
   uint32_t hidden;
-  uint32_t mask, value;  // `hidden` as it stands in a source word: its bits, and what they are
+  uint32_t value;  // `hidden` as it stands in a source word
 
-  HWY_INLINE explicit ReduceKernel(uint32_t hidden_colour) : hidden(hidden_colour) {
-    if constexpr (PackedFields<Src>) {
-      mask = hidden == kHidesNothing ? 0 : MovedFields<Src, Src>::Of(0xFFFF);
-      value = hidden == kHidesNothing ? 1 : Src::Pack(ToBgr(hidden));
-    } else {
-      mask = 0xFFFFFF;
-      value = hidden;
-    }
-  }
+  HWY_INLINE explicit ReduceKernel(uint32_t hidden_colour)
+      : hidden(hidden_colour), value(MovedFields<Fields, ByteFields>::Of(hidden_colour)) {}
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
@@ -98,8 +89,11 @@ struct ReduceKernel {
   template <class D>
   HWY_INLINE hn::VFromD<D> VisibleIndices(D d, hn::VFromD<D> words) const {
     using T = hn::TFromD<D>;
-    const auto is_hidden = hn::Eq(hn::And(words, hn::Set(d, T(mask))), hn::Set(d, T(value)));
-    return hn::IfThenZeroElse(is_hidden, IndicesOf(Formula(), d, words));
+    constexpr T kMask = T(MovedFields<Fields, Fields>::Of(~0u));
+    const auto indices = IndicesOf(Formula(), d, words);
+    if (hidden == kHidesNothing) return indices;
+    const auto is_hidden = hn::Eq(hn::And(words, hn::Set(d, kMask)), hn::Set(d, T(value)));
+    return hn::IfThenZeroElse(is_hidden, indices);
   }
 };
 
