@@ -1,12 +1,19 @@
 // The seven blend modes in their three shapes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "include/pincel.h"
 #include "tests/model/blend_model.h"
 #include "tests/model/core_model.h"
 #include "tests/support/cases.h"
+#include "tests/support/checksum.h"
 #include "tests/support/compare.h"
 #include "tests/support/pictures.h"
 #include "tests/support/random.h"
@@ -413,7 +420,8 @@ void MaybePlantKey(Random& random, Picture& p) {
 }
 
 Picture AnyDestination(Random& random, int format, int seed) {
-  return support::RandomPicture(random, format, support::WidthOf(seed / 6), random.Between(1, 6),
+  const int height = random.Between(1, 6);
+  return support::RandomPicture(random, format, support::WidthOf(seed / 6), height,
                                 support::AnyOptions(random));
 }
 
@@ -426,75 +434,95 @@ CRectangulo NearRect(Random& random, const Picture& dst) {
   }
 }
 
+// One random call of each shape, for the pictures to be blended by library and model.
+struct Case {
+  const Operation& op;
+  Picture dst;
+  CRectangulo rect;
+  Placed src, mask;
+  uint32_t colour;
+
+  bool Source(TSurfDesc& d) {
+    TSurfDesc s = model::Describe(src.picture);
+    return op.source(d, rect, s, src.at);
+  }
+  bool Colour(TSurfDesc& d) {
+    TSurfDesc m = model::Describe(mask.picture);
+    return op.colour(d, rect, colour, m, mask.at);
+  }
+  bool Masked(TSurfDesc& d) {
+    TSurfDesc s = model::Describe(src.picture), m = model::Describe(mask.picture);
+    return op.masked(d, rect, s, src.at, m, mask.at);
+  }
+};
+
+// The shapes that check their point: it lies inside, or outside on purpose.
+Case AnyCheckedCase(Random& random, int format, int seed) {
+  const Operation& op = kOperations[random.Below(7)];
+  Picture dst = AnyDestination(random, format, seed);
+  const CRectangulo r = NearRect(random, dst);
+  const model::Clipped c = model::Clip(dst.width, dst.height, r);
+  const int64_t w = c.visible ? c.moved_x + c.box.right - c.box.left : 1;
+  const int64_t h = c.visible ? c.moved_y + c.box.bottom - c.box.top : 1;
+  Placed src = AnyPlaced(random, format, w, h, 3);
+  MaybePlantKey(random, src.picture);
+  Placed mask = AnyPlaced(random, 8, w, h, 3);
+  if (random.OneIn(20)) src.at.x = random.OneIn(2) ? -1 : src.picture.width;
+  if (random.OneIn(20)) mask.at.y = random.OneIn(2) ? -1 : mask.picture.height;
+  return {op, std::move(dst), r, std::move(src), std::move(mask), random.Next()};
+}
+
+// With a source and a mask the points need only end up inside, however far outside they start.
+Case AnyMaskedCase(Random& random, int format, int seed) {
+  const Operation& op = kOperations[random.Below(7)];
+  Picture dst = AnyDestination(random, format, seed);
+  const CRectangulo r = support::RandomRect(random, dst.width, dst.height);
+  const model::Clipped c = model::Clip(dst.width, dst.height, r);
+  const int64_t w = c.visible ? c.box.right - c.box.left : 1;
+  const int64_t h = c.visible ? c.box.bottom - c.box.top : 1;
+  const auto back = [&](Placed& p) {
+    p.at.x = int32_t(uint32_t(p.at.x) - uint32_t(c.moved_x));
+    p.at.y = int32_t(uint32_t(p.at.y) - uint32_t(c.moved_y));
+  };
+  Placed src = AnyPlaced(random, format, w, h, 3);
+  MaybePlantKey(random, src.picture);
+  Placed mask = AnyPlaced(random, 8, w, h, 3);
+  back(src);
+  back(mask);
+  return {op, std::move(dst), r, std::move(src), std::move(mask), 0};
+}
+
 constexpr int kRandomCases = 6 * support::kWidths * 4;
 
 TEST(Blend, RandomSources) {
   support::ForEachCase(kRandomCases, [](Random& random, int seed) {
-    const int format = FormatOf(seed);
-    const Operation& op = kOperations[random.Below(7)];
-    const Picture dst = AnyDestination(random, format, seed);
-    const CRectangulo r = NearRect(random, dst);
-    const model::Clipped c = model::Clip(dst.width, dst.height, r);
-    const int64_t w = c.visible ? c.moved_x + c.box.right - c.box.left : 1;
-    const int64_t h = c.visible ? c.moved_y + c.box.bottom - c.box.top : 1;
-    Placed src = AnyPlaced(random, format, w, h, 3);
-    MaybePlantKey(random, src.picture);
-    if (random.OneIn(20)) src.at.x = random.OneIn(2) ? -1 : src.picture.width;
-    SCOPED_TRACE(op.name);
-    Picture expected = dst;
-    const bool result = model::Blend(op.mode, expected, r, src.picture, src.at);
-    TSurfDesc s = model::Describe(src.picture);
-    ExpectOnEveryTarget(dst, expected, result,
-                        [&](TSurfDesc& d) { return op.source(d, r, s, src.at); });
+    Case c = AnyCheckedCase(random, FormatOf(seed), seed);
+    SCOPED_TRACE(c.op.name);
+    Picture expected = c.dst;
+    const bool result = model::Blend(c.op.mode, expected, c.rect, c.src.picture, c.src.at);
+    ExpectOnEveryTarget(c.dst, expected, result, [&](TSurfDesc& d) { return c.Source(d); });
   });
 }
 
 TEST(Blend, RandomColours) {
   support::ForEachCase(kRandomCases, [](Random& random, int seed) {
-    const int format = FormatOf(seed);
-    const Operation& op = kOperations[random.Below(7)];
-    const Picture dst = AnyDestination(random, format, seed);
-    const CRectangulo r = NearRect(random, dst);
-    const model::Clipped c = model::Clip(dst.width, dst.height, r);
-    const int64_t w = c.visible ? c.moved_x + c.box.right - c.box.left : 1;
-    const int64_t h = c.visible ? c.moved_y + c.box.bottom - c.box.top : 1;
-    Placed mask = AnyPlaced(random, 8, w, h, 3);
-    if (random.OneIn(20)) mask.at.y = random.OneIn(2) ? -1 : mask.picture.height;
-    const uint32_t colour = random.Next();
-    SCOPED_TRACE(op.name);
-    Picture expected = dst;
-    const bool result = model::BlendColour(op.mode, expected, r, colour, mask.picture, mask.at);
-    TSurfDesc m = model::Describe(mask.picture);
-    ExpectOnEveryTarget(dst, expected, result,
-                        [&](TSurfDesc& d) { return op.colour(d, r, colour, m, mask.at); });
+    Case c = AnyCheckedCase(random, FormatOf(seed), seed);
+    SCOPED_TRACE(c.op.name);
+    Picture expected = c.dst;
+    const bool result =
+        model::BlendColour(c.op.mode, expected, c.rect, c.colour, c.mask.picture, c.mask.at);
+    ExpectOnEveryTarget(c.dst, expected, result, [&](TSurfDesc& d) { return c.Colour(d); });
   });
 }
 
 TEST(Blend, RandomMaskedSources) {
   support::ForEachCase(kRandomCases, [](Random& random, int seed) {
-    const int format = FormatOf(seed);
-    const Operation& op = kOperations[random.Below(7)];
-    const Picture dst = AnyDestination(random, format, seed);
-    const CRectangulo r = support::RandomRect(random, dst.width, dst.height);
-    const model::Clipped c = model::Clip(dst.width, dst.height, r);
-    const int64_t w = c.visible ? c.box.right - c.box.left : 1;
-    const int64_t h = c.visible ? c.box.bottom - c.box.top : 1;
-    // The points that end up inside, however far outside they start.
-    const auto back = [&](Placed& p) {
-      p.at.x = int32_t(uint32_t(p.at.x) - uint32_t(c.moved_x));
-      p.at.y = int32_t(uint32_t(p.at.y) - uint32_t(c.moved_y));
-    };
-    Placed src = AnyPlaced(random, format, w, h, 3), mask = AnyPlaced(random, 8, w, h, 3);
-    MaybePlantKey(random, src.picture);
-    back(src);
-    back(mask);
-    SCOPED_TRACE(op.name);
-    Picture expected = dst;
-    const bool result =
-        model::BlendMasked(op.mode, expected, r, src.picture, src.at, mask.picture, mask.at);
-    TSurfDesc s = model::Describe(src.picture), m = model::Describe(mask.picture);
-    ExpectOnEveryTarget(dst, expected, result,
-                        [&](TSurfDesc& d) { return op.masked(d, r, s, src.at, m, mask.at); });
+    Case c = AnyMaskedCase(random, FormatOf(seed), seed);
+    SCOPED_TRACE(c.op.name);
+    Picture expected = c.dst;
+    const bool result = model::BlendMasked(c.op.mode, expected, c.rect, c.src.picture, c.src.at,
+                                           c.mask.picture, c.mask.at);
+    ExpectOnEveryTarget(c.dst, expected, result, [&](TSurfDesc& d) { return c.Masked(d); });
   });
 }
 
@@ -512,6 +540,53 @@ TEST(Blend, SurfaceOnItself) {
     });
   });
 }
+
+// Committed results: every compiler, platform and instruction set must give these bytes. After an
+// intended change, PINCEL_CHECKSUMS_OUT=<file> in the environment makes a run of BlendChecksums.*
+// append the new lines of blend.inc to that file.
+
+struct Golden {
+  const char* operation;
+  uint32_t crc[7];  // by format of the destination
+};
+constexpr Golden kGolden[] = {
+#include "tests/checksums/blend.inc"
+};
+
+template <class MakeCase>
+void Check(const char* operation, MakeCase make, bool (Case::*call)(TSurfDesc&)) {
+  const Golden* golden = nullptr;
+  for (const Golden& g : kGolden) {
+    if (std::strcmp(g.operation, operation) == 0) golden = &g;
+  }
+  std::string line;
+  support::ForEachTarget([&] {
+    std::vector<uint32_t> sums;
+    for (int format : model::kFormats) {
+      uint32_t sum = 0;
+      for (int seed = 0; seed < 300; ++seed) {
+        Random random{uint64_t(seed)};
+        Case c = make(random, format, seed);
+        TSurfDesc d = model::Describe(c.dst);
+        const bool result = (c.*call)(d);
+        sum = support::Crc32({uint8_t(result)}, support::Crc32(c.dst.bytes, sum));
+      }
+      sums.push_back(sum);
+    }
+    line = support::ChecksumLine(operation, sums);
+    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc)) << line;
+  });
+  if (const char* out = std::getenv("PINCEL_CHECKSUMS_OUT")) {
+    if (std::FILE* file = std::fopen(out, "a")) {
+      std::fprintf(file, "%s\n", line.c_str());
+      std::fclose(file);
+    }
+  }
+}
+
+TEST(BlendChecksums, Sources) { Check("BlendSources", AnyCheckedCase, &Case::Source); }
+TEST(BlendChecksums, Colours) { Check("BlendColours", AnyCheckedCase, &Case::Colour); }
+TEST(BlendChecksums, MaskedSources) { Check("BlendMaskedSources", AnyMaskedCase, &Case::Masked); }
 
 // Every value.
 
