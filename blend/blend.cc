@@ -8,6 +8,8 @@
 namespace pincel {
 namespace {
 
+// The point as passed in must lie inside, wherever clipping moves it, and nothing visible is a
+// failure. Intended.
 bool BlendSource(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, const TSurfDesc& src,
                  CPunto at) {
   return Dispatch(DirectColour{}, dst, false, [&](auto format) {
@@ -21,6 +23,18 @@ bool BlendSource(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, const T
   });
 }
 
+// Rows of three surfaces without anything between them become one, as Joined does for two.
+template <class Format>
+void JoinAndBlend(Format format, BlendMode mode, MaskedRows rows, size_t src_step) {
+  if (rows.dst_pitch == ptrdiff_t(rows.width * Format::kBytes) &&
+      rows.src_pitch == ptrdiff_t(rows.width * src_step) &&
+      rows.mask_pitch == ptrdiff_t(rows.width)) {
+    rows.width *= rows.height;
+    rows.height = 1;
+  }
+  BlendMaskedRows(format, mode, rows, src_step);
+}
+
 // A colour 0xAARRGGBB as the format stores it.
 template <class Format>
 uint32_t StoredColour(uint32_t colour) {
@@ -28,6 +42,7 @@ uint32_t StoredColour(uint32_t colour) {
   return colour;
 }
 
+// As BlendSource, with the point in the mask.
 bool BlendColour(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, uint32_t colour,
                  const TSurfDesc& mask, CPunto mask_at) {
   return Dispatch(DirectColour{}, dst, false, [&](auto format) {
@@ -39,21 +54,20 @@ bool BlendColour(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, uint32_
       Format::Store(pixels + i, typename Format::Word(StoredColour<Format>(colour)));
     }
     const SourceRows rows = RowsOf<Format, Indexed8>(dst, rect, mask, mask_at);
-    BlendMaskedRows(format, mode, {{rows, pixels, 0}, rows.src, rows.src_pitch},
-                    SourceKind::kRepeated);
+    JoinAndBlend(format, mode, {{rows, pixels, 0}, rows.src, rows.src_pitch}, 0);
     return true;
   });
 }
 
-// No start point is checked here. Intended.
+// Here no start point is checked. Intended.
 bool BlendMaskedSource(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, const TSurfDesc& src,
                        CPunto src_at, const TSurfDesc& mask, CPunto mask_at) {
   return Dispatch(DirectColour{}, dst, false, [&](auto format) {
     using Format = decltype(format);
     if (!ClipRectTwoPoints(dst, rect, src_at, mask_at)) return false;
-    BlendMaskedRows(format, mode,
-                    RowsOf<Format, Format, Indexed8>(dst, rect, src, src_at, mask, mask_at),
-                    SourceKind::kPixels);
+    JoinAndBlend(format, mode,
+                 RowsOf<Format, Format, Indexed8>(dst, rect, src, src_at, mask, mask_at),
+                 Format::kBytes);
     return true;
   });
 }

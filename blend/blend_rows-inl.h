@@ -81,7 +81,7 @@ void RunBlend(const SourceRows& rows, uint32_t transparent) {
   OnceRows(BlendKernel<Format, Formula>{transparent}, rows);
 }
 
-// The pixels of a source, `step` bytes apart; 0 when one vector of them repeats.
+// The pixels of a source, `step` bytes apart; 0: always the same ones.
 struct SteppedStream {
   const uint8_t* pixels;
   size_t step;
@@ -89,13 +89,12 @@ struct SteppedStream {
 };
 
 template <class Format, class Formula>
-void RunMaskedBlend(const MaskedRows& rows, SourceKind kind) {
+void RunMaskedBlend(const MaskedRows& rows, size_t src_step) {
   using Kernel = MaskedBlendKernel<Format, Formula>;
   const hn::ScalableTag<typename Kernel::Lane> d;
   static_assert(hn::MaxLanes(d) <= kRepeatedPixels);
-  const size_t step = kind == SourceKind::kRepeated ? 0 : Format::kBytes;
   ForEachRow(rows, [&](uint8_t* dst, const uint8_t* src, const uint8_t* mask) HWY_ATTR {
-    OnceRow(d, Kernel{}, rows.width, dst, SteppedStream{src, step}, Stream<1>{mask});
+    OnceRow(d, Kernel{}, rows.width, dst, SteppedStream{src, src_step}, Stream<1>{mask});
   });
 }
 
@@ -109,13 +108,13 @@ void BlendRowsOf(BlendMode mode, const SourceRows& rows, uint32_t transparent) {
 }
 
 template <class Format>
-void BlendMaskedRowsOf(BlendMode mode, const MaskedRows& rows, SourceKind kind) {
-  static constexpr void (*kKernels[])(const MaskedRows&, SourceKind) = {
+void BlendMaskedRowsOf(BlendMode mode, const MaskedRows& rows, size_t src_step) {
+  static constexpr void (*kKernels[])(const MaskedRows&, size_t) = {
       RunMaskedBlend<Format, Add>,      RunMaskedBlend<Format, Subtract>,
       RunMaskedBlend<Format, Multiply>, RunMaskedBlend<Format, Screen>,
       RunMaskedBlend<Format, Lighten>,  RunMaskedBlend<Format, Darken>,
       RunMaskedBlend<Format, Overlay>};
-  kKernels[size_t(mode)](rows, kind);
+  kKernels[size_t(mode)](rows, src_step);
 }
 
 }  // namespace HWY_NAMESPACE

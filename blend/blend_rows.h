@@ -17,18 +17,17 @@ void BlendRows(Argb4444, BlendMode mode, const SourceRows& rows, uint32_t transp
 void BlendRows(Rgb888, BlendMode mode, const SourceRows& rows, uint32_t transparent);
 void BlendRows(Argb8888, BlendMode mode, const SourceRows& rows, uint32_t transparent);
 
-// The source of a masked blend: a surface's pixels, or one pixel over and over.
-enum class SourceKind { kPixels, kRepeated };
-// A repeated source lies in memory as often as one step of the widest kernel reads it.
+// A source that is one pixel over and over has a step and a pitch of 0, and lies in memory as often
+// as one step of the widest kernel reads it.
 inline constexpr size_t kRepeatedPixels = 64;
 
 // Takes destination pixels as far towards their blend with the source as the mask says; those whose
-// mask byte is 0 are left alone. Rows of a repeated source have a pitch of 0.
-void BlendMaskedRows(Rgb565, BlendMode mode, const MaskedRows& rows, SourceKind kind);
-void BlendMaskedRows(Rgb555, BlendMode mode, const MaskedRows& rows, SourceKind kind);
-void BlendMaskedRows(Argb4444, BlendMode mode, const MaskedRows& rows, SourceKind kind);
-void BlendMaskedRows(Rgb888, BlendMode mode, const MaskedRows& rows, SourceKind kind);
-void BlendMaskedRows(Argb8888, BlendMode mode, const MaskedRows& rows, SourceKind kind);
+// mask byte is 0 are left alone. Source pixels are `src_step` bytes apart.
+void BlendMaskedRows(Rgb565, BlendMode mode, const MaskedRows& rows, size_t src_step);
+void BlendMaskedRows(Rgb555, BlendMode mode, const MaskedRows& rows, size_t src_step);
+void BlendMaskedRows(Argb4444, BlendMode mode, const MaskedRows& rows, size_t src_step);
+void BlendMaskedRows(Rgb888, BlendMode mode, const MaskedRows& rows, size_t src_step);
+void BlendMaskedRows(Argb8888, BlendMode mode, const MaskedRows& rows, size_t src_step);
 
 }  // namespace pincel
 

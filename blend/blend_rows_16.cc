@@ -162,17 +162,17 @@ void BlendRows(Argb4444, BlendMode mode, const SourceRows& rows, uint32_t transp
   HWY_DYNAMIC_DISPATCH_T(Blend)(mode, rows, transparent);
 }
 
-void BlendMaskedRows(Rgb565, BlendMode mode, const MaskedRows& rows, SourceKind kind) {
+void BlendMaskedRows(Rgb565, BlendMode mode, const MaskedRows& rows, size_t src_step) {
   HWY_EXPORT_T(BlendMasked, BlendMaskedRowsOf<Rgb565>);
-  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, kind);
+  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, src_step);
 }
-void BlendMaskedRows(Rgb555, BlendMode mode, const MaskedRows& rows, SourceKind kind) {
+void BlendMaskedRows(Rgb555, BlendMode mode, const MaskedRows& rows, size_t src_step) {
   HWY_EXPORT_T(BlendMasked, BlendMaskedRowsOf<Rgb555>);
-  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, kind);
+  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, src_step);
 }
-void BlendMaskedRows(Argb4444, BlendMode mode, const MaskedRows& rows, SourceKind kind) {
+void BlendMaskedRows(Argb4444, BlendMode mode, const MaskedRows& rows, size_t src_step) {
   HWY_EXPORT_T(BlendMasked, BlendMaskedRowsOf<Argb4444>);
-  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, kind);
+  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, src_step);
 }
 
 }  // namespace pincel

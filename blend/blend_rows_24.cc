@@ -77,9 +77,9 @@ void BlendRows(Rgb888, BlendMode mode, const SourceRows& rows, uint32_t transpar
   HWY_EXPORT_T(Blend, BlendRowsOf<Rgb888>);
   HWY_DYNAMIC_DISPATCH_T(Blend)(mode, rows, transparent);
 }
-void BlendMaskedRows(Rgb888, BlendMode mode, const MaskedRows& rows, SourceKind kind) {
+void BlendMaskedRows(Rgb888, BlendMode mode, const MaskedRows& rows, size_t src_step) {
   HWY_EXPORT_T(BlendMasked, BlendMaskedRowsOf<Rgb888>);
-  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, kind);
+  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, src_step);
 }
 
 }  // namespace pincel

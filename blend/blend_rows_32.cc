@@ -74,9 +74,9 @@ void BlendRows(Argb8888, BlendMode mode, const SourceRows& rows, uint32_t transp
   HWY_EXPORT_T(Blend, BlendRowsOf<Argb8888>);
   HWY_DYNAMIC_DISPATCH_T(Blend)(mode, rows, transparent);
 }
-void BlendMaskedRows(Argb8888, BlendMode mode, const MaskedRows& rows, SourceKind kind) {
+void BlendMaskedRows(Argb8888, BlendMode mode, const MaskedRows& rows, size_t src_step) {
   HWY_EXPORT_T(BlendMasked, BlendMaskedRowsOf<Argb8888>);
-  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, kind);
+  HWY_DYNAMIC_DISPATCH_T(BlendMasked)(mode, rows, src_step);
 }
 
 }  // namespace pincel
