@@ -76,6 +76,14 @@ inline void SetImagePalette(TRGBA* palette, const TRGBA* colours, int count) {
   }
 }
 
+// Whether an image of this size, at least 1 x 1, fits the surface, as far as its fields tell.
+template <class Format>
+bool HoldsImage(const TSurfDesc& surface, int64_t width, int64_t height) {
+  const int64_t pitch = surface.pitch;
+  return surface.pixels != nullptr && width <= surface.width && height <= surface.height &&
+         (height <= 1 || width * Format::kBytes <= (pitch < 0 ? -pitch : pitch));
+}
+
 }  // namespace pincel
 
 #endif  // LOADERS_PIXEL_SINK_H_
