@@ -1084,39 +1084,54 @@ void AnyPalette(Random& random, TRGBA (&palette)[256]) {
   if (kind == 7) CreateTruncPal(palette);
 }
 
-void CheckNearest(Random& random, int from, int width, int height) {
-  support::PictureOptions options;
-  options.exact = true;
+enum Content { kNoise, kRuns, kPaletteColours, kGradient, kContents };
+
+void Paint(Random& random, Content content, const TRGBA (&palette)[256], Picture& p) {
+  const int slope = random.Between(1, 5);
+  uint32_t pixel = 0;
+  for (int y = 0; y < p.height; ++y) {
+    for (int x = 0; x < p.width; ++x) {
+      model::Colour c = {x * slope / 4 % 256, y * slope / 3 % 256, (x + y) / 4 % 256};
+      const int step = random.Between(-1, 1);
+      switch (content) {
+        case kNoise:
+          pixel = random.Next();
+          break;
+        case kRuns:
+          pixel = random.OneIn(6) ? random.Next() : pixel;
+          break;
+        case kPaletteColours: {  // or one step beside them
+          const TRGBA& e = palette[random.Below(256)];
+          c = {e.red, e.green, e.blue};
+          [[fallthrough]];
+        }
+        default:
+          c.green = std::clamp(c.green + step, 0, 255);
+          pixel = p.format < 24 ? model::Pack(p.format, c)
+                                : uint32_t(c.red + c.green * 256 + c.blue * 65536);  // exchanged
+      }
+      p.Put(x, y, pixel);
+    }
+  }
+}
+
+void CheckNearest(Random& random, Content content, int from, int width, int height) {
+  const support::PictureOptions options = support::AnyOptions(random);
   Picture src = support::RandomPicture(random, from, width, height, options);
   Picture before = support::RandomPicture(random, 8, width, height);
   TRGBA palette[256];
   AnyPalette(random, palette);
   std::copy(palette, palette + 256, before.palette.begin());
-  const int kind = random.Below(3);
-  if (kind != 0) {  // not noise: runs, or colours in and around the palette
-    uint32_t pixel = 0;
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        if (kind == 1 && random.OneIn(6)) pixel = random.Next();
-        if (kind == 2) {
-          const TRGBA& e = palette[random.Below(256)];
-          const int step = random.Between(-1, 1);
-          model::Colour c = {e.red, std::clamp(e.green + step, 0, 255), e.blue};
-          pixel = from < 24 ? model::Pack(from, c)
-                            : uint32_t(c.red + c.green * 256 + c.blue * 65536);  // exchanged
-        }
-        src.Put(x, y, pixel);
-      }
-    }
-  }
+  Paint(random, content, palette, src);
   if (random.OneIn(3)) AnyKey(random, src);
   CheckConvert(before, src, 2);
 }
 
 TEST(NearestEntry, SmallPicturesMatchModel) {
   for (int from : {16, 17, 18, 19, 24, 32}) {
-    support::ForEachCase(60, [&](Random& random, int seed) {
-      CheckNearest(random, from, support::WidthOf(seed * 5), random.Between(1, 12));
+    support::ForEachCase(80, [&](Random& random, int seed) {
+      const int height = random.Between(1, 12);
+      CheckNearest(random, Content(seed % kContents), from, support::WidthOf(seed * 5), height);
     });
   }
 }
@@ -1124,9 +1139,17 @@ TEST(NearestEntry, SmallPicturesMatchModel) {
 TEST(NearestEntry, LargePicturesMatchModel) {
   for (int from : {16, 18, 19, 24, 32}) {
     support::ForEachCase(8, [&](Random& random, int seed) {
-      CheckNearest(random, from, 150 + 37 * (seed % 4), 180);
+      CheckNearest(random, Content(seed % kContents), from, 150 + 37 * (seed % 3), 150);
     });
   }
+}
+
+// More than half a million pixels: what is found may then be remembered for later pixels.
+TEST(NearestEntry, HugePicturesMatchModel) {
+  const int formats[] = {24, 16, 32, 24};
+  support::ForEachCase(4, [&](Random& random, int seed) {
+    CheckNearest(random, Content(seed % kContents), formats[seed % 4], 1021, 530);
+  });
 }
 
 TEST(Convert8To8, MatchesModel) {
