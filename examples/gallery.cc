@@ -128,7 +128,7 @@ auto OnShelf(Body body) {
   return [=](const Assets& assets) {
     Shelf shelf(assets);
     body(shelf);
-    return Rendering{{}, std::move(shelf.results)};
+    return Rendering{std::move(shelf.inputs), std::move(shelf.results)};
   };
 }
 
@@ -241,6 +241,7 @@ const std::vector<Operation>& Operations() {
        OnShelf([](Shelf& shelf) {
          for (const FormatFacts& from : kFormats) {
            Stage s(shelf.assets, from.format);
+           shelf.From(from.name, s.canvas);
            const Stage indexed(shelf.assets, Format::k8);
            for (const FormatFacts& to : kFormats) {
              HostSurface result(to.format, s.canvas.width, s.canvas.height);
@@ -256,6 +257,7 @@ const std::vector<Operation>& Operations() {
        OnShelf([](Shelf& shelf) {
          for (Format from : {Format::k565, Format::k24}) {
            HostSurface chart = shelf.assets.Load("bmpsuite-pal8.bmp", from);
+           shelf.From(FactsOf(from).name, chart);
            for (uint32_t mode = 1; mode <= 4; ++mode) {
              HostSurface result(Format::k8, chart.width, chart.height);
              CreateModelPal(result.Palette());
@@ -274,7 +276,7 @@ const std::vector<Operation>& Operations() {
          ExchangeRedAndBlue(result);
          Convert(result, deep.canvas, 2);
          ExchangeRedAndBlue(result);
-         shelf.Add("24 bits", deep.canvas);
+         shelf.From("24 bits", deep.canvas);
          shelf.Add("8 bits", result);
        })},
       {"Conversion", "Convert takes the colour key along",
@@ -304,7 +306,8 @@ const std::vector<Operation>& Operations() {
          }
          HostSurface plain(Format::k24, deep.width, deep.height);
          Convert32_24_(plain, deep);
-         shelf.Add("the source's alpha", AlphaOf(deep));
+         shelf.From("32 bits", deep);
+         shelf.From("its alpha", AlphaOf(deep));
          for (Format format : {Format::k555, Format::k1555, Format::k4444}) {
            HostSurface from32(format, deep.width, deep.height), from24 = from32;
            Convert(from32, deep, 0);
@@ -336,6 +339,7 @@ const std::vector<Operation>& Operations() {
          };
          for (const Repacker& repacker : repackers) {
            HostSurface chart = shelf.assets.Load("bmpsuite-pal8.bmp", repacker.from);
+           if (shelf.inputs.empty()) shelf.From("chart", chart);
            HostSurface result(repacker.to, chart.width, chart.height);
            repacker.convert(result, chart);
            shelf.Add(repacker.name, result);
@@ -347,6 +351,7 @@ const std::vector<Operation>& Operations() {
          HostSurface plain = shelf.assets.Load("bmpsuite-rgb24.bmp", Format::k24);
          HostSurface deep(Format::k32, plain.width, plain.height);
          Convert24_32_(deep, plain);
+         shelf.From("24 bits", plain);
          shelf.Add("Convert24_32_", deep);
          HostSurface back(Format::k24, plain.width, plain.height);
          Convert32_24_(back, deep);
@@ -357,7 +362,7 @@ const std::vector<Operation>& Operations() {
        "no brighter in any channel where that is possible, so results lean to the dark side.",
        OnShelf([](Shelf& shelf) {
          HostSurface photo = Stage(shelf.assets, Format::k8).canvas;
-         shelf.Add("source", photo);
+         shelf.From("source", photo);
          HostSurface result = photo;
          CreateModelPal(result.Palette());
          Convert8_8(result, photo);

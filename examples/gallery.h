@@ -40,6 +40,9 @@ struct Shown {
 class Shelf {
  public:
   explicit Shelf(const Assets& assets_in) : assets(assets_in) {}
+  void From(std::string caption, HostSurface picture) {
+    inputs.push_back({std::move(caption), std::move(picture), {}});
+  }
   void Add(std::string caption, HostSurface picture) {
     results.push_back({std::move(caption), std::move(picture), {}});
   }
@@ -48,7 +51,7 @@ class Shelf {
   }
 
   const Assets& assets;
-  std::vector<Shown> results;
+  std::vector<Shown> inputs, results;
 };
 
 struct Rendering {

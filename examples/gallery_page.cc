@@ -230,7 +230,7 @@ std::string SceneSection(const std::string& native, const std::string& windows,
       "sprites with a colour key, fills, lines, frames, shadows and a flood fill, composed by "
       "examples/scene.cc in each format. At 8 bits the flood fill paints nothing, so the moon "
       "stays hollow.</p>\n" +
-      FiguresOf("", large) + "<p></p>" + FiguresOf("small", small);
+      FiguresOf("large", large) + FiguresOf("small", small);
   if (!windows.empty()) {
     const bool results = ReadFile(native + "/digest.txt") == ReadFile(windows + "/digest.txt");
     html +=
