@@ -1078,6 +1078,31 @@ extern "C" {
 PINCEL_API void pincel_build_mix_table(unsigned char table[2][65536], const TRGBA palette[256],
                                        int dither);
 
+/** Reads size and depth of a BMP file.
+ * @param surface receives `width`, `height` (absolute value) and the file's `bpp`, with #PINCEL_OK
+ *        only.
+ * @param data the file. @param length its bytes.
+ * @return OK when #pincel_load_bmp decodes files with such a header; TRUNCATED (inside the header);
+ *         NOT_THIS_FORMAT; UNSUPPORTED; CORRUPT (no width or height, pixels inside the header). */
+PINCEL_API pincel_status pincel_load_info_bmp(TSurfDesc& surface, const unsigned char* data,
+                                              size_t length);
+
+/** Decodes a BMP file into the top left corner of a surface.
+ *
+ * Reads headers of 12, 16, 40, 52, 56, 64, 108 and 124 bytes; 1, 2, 4 and 8 bits with colour table
+ * (indices beyond it are black), run-length data of 4 and 8 bits, 24 bits,
+ * and 16 and 32 bits with any masks. Fields narrower than 8 bits are scaled to 0..255 and rounded;
+ * without an alpha mask pixels are opaque. Pixels that run-length data skips get index 0, on every
+ * surface. Run-length data past the end of a row is left out. Embedded JPEG and PNG images and colour
+ * profiles are not read; "QX" files have their pixels at offset 54.
+ * @param surface destination; 8-bit surfaces take files of up to 8 bits.
+ * @param data the file. @param length its bytes.
+ * @return OK; TRUNCATED (whole rows are kept, of run-length data every pixel); CORRUPT (also
+ *         run-length data that moves outside the image); NOT_THIS_FORMAT; UNSUPPORTED;
+ *         SURFACE_TOO_SMALL. */
+PINCEL_API pincel_status pincel_load_bmp(TSurfDesc& surface, const unsigned char* data,
+                                         size_t length);
+
 /** Reads the screen size of a GIF file.
  * @param surface receives `width`, `height` and `bpp` 8, with #PINCEL_OK only.
  * @param data the file. @param length its bytes.

@@ -1,32 +1,18 @@
-// BMP files in memory: 8 bits, plain or run-length coded, and 24 bits, into any surface.
+// BMP files in memory into any surface: 8 bits, plain or run-length coded, and 24 bits for the loaders
+// that trust the file; every common depth for those that do not.
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdlib>
 #include <utility>
 
+#include "loaders/byte_reader.h"
 #include "loaders/pixel_sink.h"
 #include "surface/format_dispatch.h"
 #include "surface/rows.h"
 
 namespace pincel {
 namespace {
-
-// Reads the file's bytes one after the other; how many there are is not known.
-class ByteReader {
- public:
-  explicit ByteReader(const uint8_t* bytes) : at_(bytes) {}
-
-  uint8_t Byte() { return *at_++; }
-  const uint8_t* Bytes(size_t count) {
-    const uint8_t* const bytes = at_;
-    at_ += count;
-    return bytes;
-  }
-  bool AtOddAddress() const { return reinterpret_cast<uintptr_t>(at_) % 2 != 0; }
-
- private:
-  const uint8_t* at_;
-};
 
 constexpr ptrdiff_t kColourTableOffset = 54;
 
@@ -89,14 +75,18 @@ Colours ExchangeRedAndBlue(Colours colours) {
   return colours;
 }
 
-// The surface's rows in the order in which the file stores them.
+// Rows at the surface's top left corner in the order in which the file stores them.
+template <class Format>
+Rows RowsInFileOrder(const TSurfDesc& surface, int32_t width, int32_t height, bool top_down) {
+  if (width <= 0 || height <= 0) return {};
+  return {PixelAt<Format>(surface, 0, top_down ? 0 : height - 1),
+          top_down ? ptrdiff_t{surface.pitch} : -ptrdiff_t{surface.pitch}, size_t(width),
+          size_t(height)};
+}
+// The surface's size counts, not the file's. Intended.
 template <class Format>
 Rows RowsInFileOrder(const TSurfDesc& surface, const Header& header) {
-  if (surface.width <= 0 || surface.height <= 0) return {};
-  const bool top_down = header.height < 0;
-  return {PixelAt<Format>(surface, 0, top_down ? 0 : surface.height - 1),
-          top_down ? ptrdiff_t{surface.pitch} : -ptrdiff_t{surface.pitch}, size_t(surface.width),
-          size_t(surface.height)};
+  return RowsInFileOrder<Format>(surface, surface.width, surface.height, header.height < 0);
 }
 
 // These rows with the file's, which are padded to whole words. The surface's width counts.
@@ -113,11 +103,22 @@ enum class Padding {
 // Why run-length data leaves pixels out: it moves on, or a row or the bitmap ends.
 enum class Skipped { kByMove, kByEnd };
 
-// Never writes outside the rows: runs and literals are clipped at the row end, a position outside
-// ends the decoding. `skip(dst, width, why)` gets the pixels of each row that are left out.
+enum class RunLengthEnd { kComplete, kMovedOutside, kDataEnded };
+
+// Palette indices of 1, 2 or 4 bits, the first one in a byte's top bits.
+void UnpackIndices(uint8_t* dst, const uint8_t* src, size_t count, unsigned bits) {
+  for (size_t i = 0; i < count; ++i) {
+    const size_t bit = i * bits;
+    dst[i] = uint8_t(src[bit / 8] << bit % 8) >> (8 - bits);
+  }
+}
+
+// Codes of 8 bits, or of 4, whose runs alternate between two indices. Never writes outside the rows:
+// runs and literals are clipped at the row end, a position outside ends the decoding.
+// `skip(dst, width, why)` gets the pixels of each row that are left out.
 template <class Format, class Skip>
-void DecodeRunLength(ByteReader codes, const Rows& rows, const IndexSink<Format>& sink,
-                     Padding padding, Skip&& skip) {
+RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
+                             const IndexSink<Format>& sink, Padding padding, Skip&& skip) {
   size_t x = 0, y = 0;
   const auto here = [&] { return rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes; };
   const auto skip_to = [&](size_t end_x, size_t end_y, Skipped why) {
@@ -125,30 +126,55 @@ void DecodeRunLength(ByteReader codes, const Rows& rows, const IndexSink<Format>
     skip(here(), end_x - x, why);
     x = end_x;
   };
+  const auto unpacked = [&](const uint8_t* packed, size_t count) {
+    uint8_t indices[256];
+    UnpackIndices(indices, packed, count, bits);
+    sink.Row(here(), indices, count);
+  };
   while (y < rows.height) {
     const size_t left = rows.width - x;
     const size_t count = codes.Byte();
     const uint8_t code = codes.Byte();
+    if (codes.RanOut()) {
+      const bool at_end = y == rows.height - 1 && left == 0;
+      return at_end ? RunLengthEnd::kComplete : RunLengthEnd::kDataEnded;
+    }
     if (count > 0) {
-      sink.Run(here(), code, std::min(count, left));
-      x += std::min(count, left);
+      const size_t fitting = std::min(count, left);
+      if (bits == 8) {
+        sink.Run(here(), code, fitting);
+      } else {
+        uint8_t pairs[128];
+        std::memset(pairs, code, sizeof(pairs));
+        unpacked(pairs, fitting);
+      }
+      x += fitting;
     } else if (code == 0) {  // end of the row
       skip_to(rows.width, y, Skipped::kByEnd);
       x = 0, ++y;
     } else if (code == 1) {  // end of the bitmap
       skip_to(rows.width, rows.height - 1, Skipped::kByEnd);
-      return;
+      return RunLengthEnd::kComplete;
     } else if (code == 2) {  // move
       const size_t end_x = x + codes.Byte();
       const size_t end_y = y + codes.Byte();
-      if (end_x > rows.width || end_y >= rows.height) return;
+      if (codes.RanOut()) return RunLengthEnd::kDataEnded;
+      if (end_x > rows.width || end_y >= rows.height) return RunLengthEnd::kMovedOutside;
       skip_to(end_x, end_y, Skipped::kByMove);
     } else {
-      sink.Row(here(), codes.Bytes(code), std::min<size_t>(code, left));
-      x += std::min<size_t>(code, left);
-      if (padding == Padding::kOneByte ? code % 2 != 0 : codes.AtOddAddress()) codes.Bytes(1);
+      const size_t bytes = (code * bits + 7) / 8, fitting = std::min<size_t>(code, left);
+      const uint8_t* const literals = codes.Bytes(bytes);
+      if (literals == nullptr) return RunLengthEnd::kDataEnded;
+      if (bits == 8) {
+        sink.Row(here(), literals, fitting);
+      } else {
+        unpacked(literals, fitting);
+      }
+      x += fitting;
+      if (padding == Padding::kOneByte ? bytes % 2 != 0 : codes.AtOddAddress()) codes.Bytes(1);
     }
   }
+  return RunLengthEnd::kComplete;
 }
 
 // What skipped pixels become: the colour of entry 0, but nothing where that packs to 0 and on indexed
@@ -177,7 +203,7 @@ void LoadIndexed(const TSurfDesc& surface, const Header& header, const Colours& 
   const bool exchanged = Format::kBytes == 3 && top_down;
   const IndexSink<Format> sink((exchanged ? ExchangeRedAndBlue(colours) : colours).data());
   const auto background = Background<Format>(colours);
-  DecodeRunLength(ByteReader(header.pixels), rows, sink, Padding::kToEvenAddress,
+  DecodeRunLength(ByteReader(header.pixels), 8, rows, sink, Padding::kToEvenAddress,
                   [&](uint8_t* dst, size_t width, Skipped why) {
                     if (background == 0 || (top_down && why == Skipped::kByEnd)) return;
                     StoreRun<Format>(dst, background, width);
@@ -206,6 +232,204 @@ void StoreTrueColour(uint8_t* dst, const uint8_t* src, size_t width) {
       Format::Store(dst, PackWithAlpha<Format>(colour, src[3]));
     }
   }
+}
+
+// --- files that are not trusted ---
+
+// A channel of 16- or 32-bit pixels.
+class Channel {
+ public:
+  Channel() = default;
+  // `mask` has one run of ones; without any the channel is `missing`.
+  Channel(uint32_t mask, uint8_t missing) : mask_(mask) {
+    const unsigned width = unsigned(std::popcount(mask));
+    const unsigned kept = std::min(width, 8u);
+    if (width > 0) shift_ = unsigned(std::countr_zero(mask)) + width - kept;
+    const unsigned most = (1u << kept) - 1;
+    for (unsigned v = 0; v <= most; ++v) {
+      bytes_[v] = width == 0 ? missing : uint8_t((v * 255 + most / 2) / most);
+    }
+  }
+  uint8_t Get(uint32_t pixel) const { return bytes_[(pixel & mask_) >> shift_]; }
+
+ private:
+  uint32_t mask_ = 0;
+  unsigned shift_ = 0;
+  std::array<uint8_t, 256> bytes_{};
+};
+
+constexpr bool IsOneRun(uint32_t mask) {
+  if (mask == 0) return true;
+  const uint32_t ones = mask >> std::countr_zero(mask);
+  return (ones & (ones + 1)) == 0;
+}
+
+enum Compression : uint32_t {
+  kPlain = 0,
+  kRunLength8 = 1,
+  kRunLength4 = 2,
+  kMasks = 3,
+  kMasksWithAlpha = 6
+};
+
+struct Image {
+  int32_t width, height;
+  bool top_down;
+  uint32_t bits, compression;
+  std::array<uint32_t, 4> masks;  // red, green, blue, alpha
+  size_t table_at, colours, colour_bytes;
+  size_t pixels_at;
+
+  uint64_t RowBytes() const { return (uint64_t(width) * bits + 7) / 8; }
+};
+
+bool IsKnownHeader(uint32_t bytes) {
+  constexpr uint32_t kKnown[] = {12, 16, 40, 52, 56, 64, 108, 124};
+  return std::find(std::begin(kKnown), std::end(kKnown), bytes) != std::end(kKnown);
+}
+
+bool IsSupported(const Image& image) {
+  switch (image.compression) {
+    case kPlain:
+      return image.bits == 1 || image.bits == 2 || image.bits == 4 || image.bits == 8 ||
+             image.bits == 16 || image.bits == 24 || image.bits == 32;
+    case kRunLength8:
+      return image.bits == 8;
+    case kRunLength4:
+      return image.bits == 4;
+    case kMasks:
+    case kMasksWithAlpha:
+      return (image.bits == 16 || image.bits == 32) &&
+             std::all_of(image.masks.begin(), image.masks.end(), IsOneRun);
+    default:
+      return false;
+  }
+}
+
+pincel_status ReadImage(const uint8_t* data, size_t length, Image& image) {
+  constexpr size_t kFileHeader = 14, kMasksAt = 54;
+  if (data == nullptr) return PINCEL_NOT_THIS_FORMAT;
+  const bool fixed_offset = length >= 2 && data[0] == 'Q' && data[1] == 'X';
+  if (!fixed_offset && (length < 2 || data[0] != 'B' || data[1] != 'M')) {
+    return PINCEL_NOT_THIS_FORMAT;
+  }
+  const auto half = [=](size_t at) { return LoadWord<uint16_t>(data + at); };
+  const auto word = [=](size_t at) { return LoadWord<uint32_t>(data + at); };
+  if (length < kFileHeader + 4) return PINCEL_TRUNCATED;
+  const uint32_t header = word(14);
+  if (!IsKnownHeader(header)) return PINCEL_UNSUPPORTED;
+  image.table_at = kFileHeader + header;
+  if (length < image.table_at) return PINCEL_TRUNCATED;
+
+  int32_t height;
+  uint32_t used = 0;
+  image.compression = kPlain;
+  if (header == 12) {
+    image.width = half(18);
+    height = half(20);
+    image.bits = half(24);
+  } else {
+    image.width = int32_t(word(18));
+    height = int32_t(word(22));
+    image.bits = half(28);
+    if (header >= 40) {
+      image.compression = word(30);
+      used = word(46);
+    }
+  }
+  if (header == 64 && image.compression > kRunLength4) return PINCEL_UNSUPPORTED;
+  const bool has_masks = image.compression == kMasks || image.compression == kMasksWithAlpha;
+  const bool has_alpha = header >= 56 || image.compression == kMasksWithAlpha;
+  if (has_masks) {
+    const size_t masks_end = kMasksAt + (has_alpha ? 16 : 12);
+    if (length < masks_end) return PINCEL_TRUNCATED;
+    image.table_at = std::max(image.table_at, masks_end);
+    image.masks = {word(kMasksAt), word(kMasksAt + 4), word(kMasksAt + 8),
+                   has_alpha ? word(kMasksAt + 12) : 0};
+  } else if (image.bits == 16) {
+    image.masks = {0x7C00, 0x03E0, 0x001F, 0};
+  } else {
+    image.masks = {0xFF0000, 0x00FF00, 0x0000FF, 0};
+  }
+  if (!IsSupported(image)) return PINCEL_UNSUPPORTED;
+  if (image.width <= 0 || height == 0 || height == INT32_MIN) return PINCEL_CORRUPT;
+  image.top_down = height < 0;
+  image.height = std::abs(height);
+  const size_t most_colours = image.bits <= 8 ? size_t{1} << image.bits : 0;
+  image.colours = used == 0 || used > most_colours ? most_colours : used;
+  image.colour_bytes = header == 12 ? 3 : 4;
+  image.pixels_at = fixed_offset ? size_t{kColourTableOffset} : word(10);
+  return image.pixels_at < kFileHeader + header ? PINCEL_CORRUPT : PINCEL_OK;
+}
+
+// `row(dst, src)` for each row that the file has.
+template <class Row>
+pincel_status ForEachStoredRow(const Rows& rows, const Image& image, ByteReader pixels, Row&& row) {
+  for (size_t y = 0; y < rows.height; ++y) {
+    if (pixels.Left() < image.RowBytes()) return PINCEL_TRUNCATED;
+    const size_t bytes = size_t(image.RowBytes());
+    row(rows.dst + ptrdiff_t(y) * rows.dst_pitch, pixels.Bytes(bytes));
+    pixels.Bytes(std::min((4 - bytes % 4) % 4, pixels.Left()));
+  }
+  return PINCEL_OK;
+}
+
+template <class Format>
+pincel_status LoadIndices(const Rows& rows, const Image& image, const ByteReader& pixels,
+                          const Colours& colours) {
+  const IndexSink<Format> sink(colours.data());
+  if (image.compression != kPlain) {
+    const RunLengthEnd end =
+        DecodeRunLength(pixels, image.bits, rows, sink, Padding::kOneByte,
+                        [&](uint8_t* dst, size_t width, Skipped) { sink.Run(dst, 0, width); });
+    return end == RunLengthEnd::kComplete    ? PINCEL_OK
+           : end == RunLengthEnd::kDataEnded ? PINCEL_TRUNCATED
+                                             : PINCEL_CORRUPT;
+  }
+  return ForEachStoredRow(rows, image, pixels, [&](uint8_t* dst, const uint8_t* src) {
+    if (image.bits == 8) {
+      sink.Row(dst, src, rows.width);
+      return;
+    }
+    constexpr size_t kPiece = 256;  // a whole number of bytes
+    uint8_t indices[kPiece];
+    for (size_t x = 0; x < rows.width; x += kPiece, src += kPiece * image.bits / 8) {
+      const size_t count = std::min(kPiece, rows.width - x);
+      UnpackIndices(indices, src, count, image.bits);
+      sink.Row(dst + x * Format::kBytes, indices, count);
+    }
+  });
+}
+
+// `colour(src)` gives the colour of a pixel of `src_bytes` bytes.
+template <class Format, class Colour>
+pincel_status LoadColours(const Rows& rows, const Image& image, const ByteReader& pixels,
+                          size_t src_bytes, Colour&& colour) {
+  return ForEachStoredRow(rows, image, pixels, [&](uint8_t* dst, const uint8_t* src) {
+    for (size_t x = 0; x < rows.width; ++x, dst += Format::kBytes, src += src_bytes) {
+      Format::Store(dst, PackEntry<Format>(colour(src)));
+    }
+  });
+}
+
+template <class Format>
+pincel_status LoadTrueColour(const Rows& rows, const Image& image, const ByteReader& pixels) {
+  if (image.bits == 24) {
+    return LoadColours<Format>(rows, image, pixels, 3, [](const uint8_t* src) {
+      return TRGBA{src[0], src[1], src[2], 0xFF};
+    });
+  }
+  const Channel red(image.masks[0], 0), green(image.masks[1], 0), blue(image.masks[2], 0);
+  const Channel alpha(image.masks[3], 0xFF);
+  const auto colour = [&](uint32_t pixel) {
+    return TRGBA{blue.Get(pixel), green.Get(pixel), red.Get(pixel), alpha.Get(pixel)};
+  };
+  if (image.bits == 16) {
+    return LoadColours<Format>(rows, image, pixels, 2,
+                               [&](const uint8_t* src) { return colour(LoadWord<uint16_t>(src)); });
+  }
+  return LoadColours<Format>(rows, image, pixels, 4,
+                             [&](const uint8_t* src) { return colour(LoadWord<uint32_t>(src)); });
 }
 
 }  // namespace
@@ -251,7 +475,7 @@ bool LoadBMPAlpha(TSurfDesc& surface, unsigned char* bitmap) {
   const Header header = ReadHeader(bitmap);
   const Rows rows = RowsInFileOrder<Indexed8>(surface, header);
   if (header.run_length) {
-    DecodeRunLength(ByteReader(header.pixels), rows, IndexSink<Indexed8>(nullptr),
+    DecodeRunLength(ByteReader(header.pixels), 8, rows, IndexSink<Indexed8>(nullptr),
                     Padding::kOneByte, [](uint8_t*, size_t, Skipped) {});
   } else {
     ForEachRow(WithPixels(rows, header, 1),
@@ -262,3 +486,47 @@ bool LoadBMPAlpha(TSurfDesc& surface, unsigned char* bitmap) {
 
 bool LoadInfoPGF(TSurfDesc&, unsigned char*) { return false; }
 bool LoadPGF(TSurfDesc&, unsigned char*) { return false; }
+
+pincel_status pincel_load_info_bmp(TSurfDesc& surface, const unsigned char* data, size_t length) {
+  using namespace pincel;
+  Image image;
+  const pincel_status status = ReadImage(data, length, image);
+  if (status == PINCEL_OK) {
+    surface.width = image.width;
+    surface.height = image.height;
+    surface.bpp = image.bits;
+  }
+  return status;
+}
+
+pincel_status pincel_load_bmp(TSurfDesc& surface, const unsigned char* data, size_t length) {
+  using namespace pincel;
+  Image image;
+  const pincel_status status = ReadImage(data, length, image);
+  if (status != PINCEL_OK) return status;
+  return Dispatch(AllFormats{}, surface, PINCEL_UNSUPPORTED, [&](auto format) {
+    using Format = decltype(format);
+    if (Format::kBytes == 1 && image.bits > 8) return PINCEL_UNSUPPORTED;
+    if (!HoldsImage<Format>(surface, image.width, image.height)) return PINCEL_SURFACE_TOO_SMALL;
+    ByteReader table = ByteReader::OfFile(data, length), pixels = table;
+    table.Bytes(image.table_at);
+    const uint8_t* const entries = table.Bytes(image.colours * image.colour_bytes);
+    pixels.Bytes(image.pixels_at);
+    if (table.RanOut() || pixels.RanOut()) return PINCEL_TRUNCATED;
+
+    const Rows rows = RowsInFileOrder<Format>(surface, image.width, image.height, image.top_down);
+    if constexpr (Format::kBytes != 1) {
+      if (image.bits > 8) return LoadTrueColour<Format>(rows, image, pixels);
+    }
+    Colours colours;
+    colours.fill({0, 0, 0, 0xFF});
+    for (size_t i = 0; i < image.colours; ++i) {
+      const uint8_t* const entry = entries + i * image.colour_bytes;
+      colours[i] = {entry[0], entry[1], entry[2], 0xFF};
+    }
+    if (Format::kBytes == 1 && surface.palette != nullptr) {
+      SetImagePalette(surface.palette, colours.data(), 256);
+    }
+    return LoadIndices<Format>(rows, image, pixels, colours);
+  });
+}
