@@ -70,7 +70,7 @@ struct SearchPalette {
 class ColourCells {
  public:
   static constexpr int kInnerBits = 3, kCellShift = 3 * kInnerBits;
-  static constexpr uint32_t kCellColours = 1u << kCellShift, kCells = 1u << (24 - kCellShift);
+  static constexpr uint32_t kCells = 1u << (24 - kCellShift);
 
   // Without memory, and for fewer pixels than pay for the cells, there are none.
   explicit ColourCells(size_t pixels) {
@@ -82,12 +82,16 @@ class ColourCells {
   explicit operator bool() const { return resolved_ != nullptr; }
   bool IsResolved(uint32_t cell) const { return resolved_[cell] != 0; }
   uint8_t NearestOf(uint32_t place) const { return resolved_[kCells + place]; }
-  // A block found all it needed.
+  // A block found all it needed, which is worth resolving some more cells.
   void Praise() { credit_ += 4; }
-  // Whether one more cell is worth resolving; once it is not, as with noise, there are none.
+  // Whether one more cell is worth resolving. Once it is not, as with noise, there are none any more.
   bool MayResolve() {
-    if (credit_ == 0) resolved_.reset();
-    return credit_-- != 0;
+    if (credit_ == 0) {
+      resolved_.reset();
+      return false;
+    }
+    --credit_;
+    return true;
   }
   uint8_t* Resolve(uint32_t cell) {  // the entries of the cell's colours, to be filled in
     resolved_[cell] = 1;
