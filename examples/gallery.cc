@@ -7,11 +7,15 @@ namespace {
 constexpr uint32_t kRed = 0xE02020, kGold = 0xF0B020, kSky = 0x40A0F0, kInk = 0x102040,
                    kPaper = 0xF8F4E8, kWhite = 0xFFFFFF;
 
-// An 8-bit picture with its colours replaced by their nearest in another palette.
-HostSurface Remapped(HostSurface picture, const HostSurface& palette) {
+// An 8-bit picture with each colour replaced by what looks most like it in another palette.
+HostSurface Redrawn(const HostSurface& picture, const HostSurface& palette) {
   HostSurface result(Format::k8, picture.width, picture.height);
   result.UsePaletteOf(palette);
-  Convert8_8(result, picture);
+  for (int y = 0; y < result.height; ++y) {
+    for (int x = 0; x < result.width; ++x) {
+      SetPixel(result, x, y, result.Colour(picture.Display(x, y) & 0xFFFFFF));
+    }
+  }
   return result;
 }
 
@@ -143,7 +147,7 @@ Stage::Stage(const Assets& from, Format wanted)
       chart(assets.Load("bmpsuite-pal8.bmp", wanted)),
       work(Format::k8, canvas.width, canvas.height) {
   tree.colorKey = tree.Stored(0, 0);
-  if (wanted == Format::k8) chart = Remapped(chart, canvas);
+  if (wanted == Format::k8) chart = Redrawn(chart, canvas);
 }
 
 // Families in the order of the page; inside one, the plain case before the irregular ones.
@@ -574,7 +578,7 @@ const std::vector<Operation>& Operations() {
        OnPaper({&Stage::hippo},
                [](Stage& s) {
                  int x = 0;
-                 for (unsigned long tolerance : {60, 180, 260}) {
+                 for (unsigned long tolerance : {60UL, 180UL, 260UL}) {
                    HostSurface picture = s.hippo, work(Format::k8, 36, 28);
                    Rellena(picture, work, 0, 27, tolerance, kWhite, kRed);
                    DrawBlock(s.canvas, picture, 0, 0, static_cast<unsigned short>(x), 20, 32, 28);

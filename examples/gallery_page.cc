@@ -196,12 +196,12 @@ class ContactSheet {
 
 std::string FormatsTable() {
   return R"(<section id=formats><h2>The seven formats</h2><div class="card scroll"><table>
-<tr><th>format</th><th>bits</th><th>stored pixel</th><th>chosen by</th></tr>
+<tr><th>format</th><th>bits</th><th>stored pixel</th><th>chosen by depth or red mask</th></tr>
 <tr><td>8</td><td>8</td><td>palette index</td><td>bpp 8</td></tr>
-<tr><td>565</td><td>16</td><td>red 11-15, green 5-10, blue 0-4</td><td>bpp 16, any other red mask</td></tr>
-<tr><td>555</td><td>16</td><td>red 10-14, green 5-9, blue 0-4</td><td>red mask 0x7C00, no alpha mask</td></tr>
-<tr><td>1555</td><td>16</td><td>alpha 15, then as 555</td><td>red mask 0x7C00, an alpha mask</td></tr>
-<tr><td>4444</td><td>16</td><td>alpha 12-15, red, green, blue 0-3</td><td>red mask 0x0F00</td></tr>
+<tr><td>565</td><td>16</td><td>red 11-15, green 5-10, blue 0-4</td><td>any other mask</td></tr>
+<tr><td>555</td><td>16</td><td>red 10-14, green 5-9, blue 0-4</td><td>mask 0x7C00, no alpha</td></tr>
+<tr><td>1555</td><td>16</td><td>alpha 15, then as 555</td><td>mask 0x7C00, alpha</td></tr>
+<tr><td>4444</td><td>16</td><td>alpha 12-15, red, green, blue 0-3</td><td>mask 0x0F00</td></tr>
 <tr><td>24</td><td>24</td><td>bytes blue, green, red</td><td>bpp 24</td></tr>
 <tr><td>32</td><td>32</td><td>bytes blue, green, red, alpha</td><td>bpp 32</td></tr>
 </table></div></section>

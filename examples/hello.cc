@@ -9,7 +9,8 @@ struct Image : TSurfDesc {  // the library describes memory, the host owns it
   std::vector<uint8_t> memory;
 };
 
-void Load(const char* path, Image& image) {
+Image Load(const char* path) {
+  Image image{};
   std::ifstream in(path, std::ios::binary);
   std::vector<uint8_t> file(std::istreambuf_iterator<char>(in), {});
   LoadInfoBMP(image, file.data());
@@ -17,13 +18,12 @@ void Load(const char* path, Image& image) {
   image.memory.resize(size_t(image.pitch) * size_t(image.height));
   image.pixels = image.memory.data();
   LoadBMP(image, file.data());
+  return image;
 }
 
 int main(int argc, char** argv) {
   if (argc != 4) return 2;
-  Image picture{}, sprite{};
-  Load(argv[1], picture);
-  Load(argv[2], sprite);
+  Image picture = Load(argv[1]), sprite = Load(argv[2]);
 
   sprite.colorKey = 0xFF00FF;  // magenta is transparent
   DrawBitmap(picture, {20, 2, 20 + sprite.width, 2 + sprite.height}, sprite, {0, 0});
@@ -33,6 +33,6 @@ int main(int argc, char** argv) {
   std::ofstream out(argv[3], std::ios::binary);
   out << "P6 " << picture.width << " " << picture.height << " 255\n";
   for (size_t i = 0; i < picture.memory.size(); i += 4) {
-    for (size_t channel : {2, 1, 0}) out.put(char(picture.memory[i + channel]));
+    for (size_t channel : {2U, 1U, 0U}) out.put(char(picture.memory[i + channel]));
   }
 }
