@@ -39,12 +39,12 @@ HWY_INLINE V BlendTops(Multiply, D, V a, V b) {
   return hn::MulHigh(a, b);
 }
 
-// x * y / 255 in the upper byte, times 2 when `doubled`; x and y are bytes, in the upper byte too.
+// x * y / 255, or 2 * x * y / 255 where that is less than 256, of bytes at the top; so is the result.
 // 0x8081 / 2^23 is close enough to 1 / 255 for every quotient of a 16-bit number.
 template <bool doubled, class D, class V = hn::VFromD<D>>
 HWY_INLINE V MultiplyDivide255(D d, V x, V y) {
-  const V quotient = hn::MulHigh(hn::MulHigh(x, y), hn::Set(d, 0x8081));
-  return hn::ShiftLeft < doubled ? 2 : 1 > (quotient);
+  constexpr int kShift = doubled ? 2 : 1;
+  return hn::ShiftLeft<kShift>(hn::MulHigh(hn::MulHigh(x, y), hn::Set(d, 0x8081)));
 }
 
 template <class D, class V = hn::VFromD<D>>

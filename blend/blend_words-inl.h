@@ -18,7 +18,7 @@ HWY_INLINE V BlendWords(D d, V dst, V src) {
   const hn::Repartition<uint8_t, D> d8;
   constexpr bool kKeepsFourthByte = Format::kBytes == 4 && !Formula::kBlendsFourthByte;
   const V fourth = hn::Set(d, 0xFF000000);
-  // A source of 0 or 255 changes nothing there.
+  // The larger of a byte and 0, the smaller of it and 255: the byte.
   if constexpr (kKeepsFourthByte && std::is_same_v<Formula, Lighten>) src = hn::AndNot(fourth, src);
   if constexpr (kKeepsFourthByte && std::is_same_v<Formula, Darken>) src = hn::Or(fourth, src);
   const V blended =
@@ -63,32 +63,25 @@ HWY_INLINE V LoadWeights(D d, const uint8_t* mask) {
   }
 }
 
-// Bytes on their way from dst to `to`; the weights of even and odd bytes are 16-bit numbers.
-template <class Formula, class D8, class V = hn::VFromD<D8>, class V16 = hn::VFromD<Wide<D8>>>
-HWY_INLINE V InterpolateBytes(D8 d8, V dst, V src, V to, V16 even_weight, V16 odd_weight) {
-  const Wide<D8> d16;
-  const auto low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
-  const auto d = hn::BitCast(d16, dst), s = hn::BitCast(d16, src), t = hn::BitCast(d16, to);
-  if constexpr (Formula::kSourceInWeight) {
-    even_weight = hn::Or(even_weight, hn::ShiftLeft<8>(s));
-    odd_weight = hn::OrAnd(odd_weight, s, high);
-  }
-  const auto even = hn::Mul(hn::Sub(hn::And(t, low), hn::And(d, low)), even_weight);
-  const auto odd = hn::Mul(hn::Sub(hn::ShiftRight<8>(t), hn::ShiftRight<8>(d)), odd_weight);
-  // The upper byte of each product is what is added.
-  const auto moves = hn::OrAnd(hn::ShiftRight<8>(even), odd, high);
-  return hn::Add(dst, hn::BitCast(d8, moves));
-}
-
 template <class Format, class Formula, class D, class V = hn::VFromD<D>>
 HWY_INLINE V InterpolateWords(D d, V dst, V src, V weights) {
   const hn::Repartition<uint8_t, D> d8;
   const hn::Repartition<uint16_t, D> d16;
-  const auto weight = hn::BitCast(d16, weights);
-  const auto to = hn::BitCast(d8, BlendWords<Format, Formula>(d, dst, src));
-  const auto result =
-      InterpolateBytes<Formula>(d8, hn::BitCast(d8, dst), hn::BitCast(d8, src), to, weight, weight);
-  return hn::IfThenElse(hn::Eq(weights, hn::Zero(d)), dst, hn::BitCast(d, result));
+  const auto low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
+  const auto from = hn::BitCast(d16, dst), with = hn::BitCast(d16, src);
+  const auto to = hn::BitCast(d16, BlendWords<Format, Formula>(d, dst, src));
+  // Even and odd bytes as 16-bit numbers.
+  auto even_weight = hn::BitCast(d16, weights), odd_weight = even_weight;
+  if constexpr (Formula::kSourceInWeight) {
+    even_weight = hn::Or(even_weight, hn::ShiftLeft<8>(with));
+    odd_weight = hn::OrAnd(odd_weight, with, high);
+  }
+  const auto even = hn::Mul(hn::Sub(hn::And(to, low), hn::And(from, low)), even_weight);
+  const auto odd = hn::Mul(hn::Sub(hn::ShiftRight<8>(to), hn::ShiftRight<8>(from)), odd_weight);
+  // The upper byte of each product is what is added.
+  const auto moves = hn::OrAnd(hn::ShiftRight<8>(even), odd, high);
+  const auto moved = hn::Add(hn::BitCast(d8, dst), hn::BitCast(d8, moves));
+  return hn::IfThenElse(hn::Eq(weights, hn::Zero(d)), dst, hn::BitCast(d, moved));
 }
 
 }  // namespace HWY_NAMESPACE
