@@ -1,6 +1,7 @@
 // Accessors, format classification, single pixels, start-up.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 
 #include "include/pincel.h"
@@ -219,8 +220,8 @@ TEST(SinglePixels, UnsupportedDepthDoesNothing) {
   }
 }
 
+#if ULONG_MAX > 0xFFFFFFFF
 TEST(SinglePixels, OnlyTheLow32BitsOfAColourAreRead) {
-  if (sizeof(unsigned long) == 4) GTEST_SKIP() << "unsigned long has no more bits here";
   const auto wide = (unsigned long)(0xFFFFFFFF00000000ull);
   for (int format : model::kFormats) {
     Picture p = support::Filled(format, 1, 1, 0xFFFFFFFF);
@@ -232,6 +233,7 @@ TEST(SinglePixels, OnlyTheLow32BitsOfAColourAreRead) {
     EXPECT_EQ(GetPixel(d, 0, 0) >> 16 >> 16, 0u);
   }
 }
+#endif
 
 TEST(SinglePixels, MatchModel) {
   for (int format : model::kFormats) {
