@@ -1,5 +1,5 @@
-// DrawMix through an alpha surface, with and without a level, its 8-bit kernel,
-// and the two that draw a background first.
+// DrawMix through an alpha surface, with and without a level, its 8-bit kernel, and the two that
+// draw a background first.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -30,48 +30,43 @@ using Words = std::vector<uint32_t>;
 constexpr int kDirect[] = {16, 17, 18, 19, 24, 32};
 constexpr int kPacked16[] = {16, 17, 18, 19};
 
-CRectangulo Whole(const Picture &p) { return {0, 0, p.width, p.height}; }
+CRectangulo Whole(const Picture& p) { return {0, 0, p.width, p.height}; }
 
-Picture Mixed(const Picture &dst, const CRectangulo &rect, Picture &alpha,
-              CPunto alpha_at, Picture &src, CPunto src_at,
-              unsigned char (*table)[65536] = nullptr) {
+Picture Mixed(const Picture& dst, const CRectangulo& rect, Picture& alpha, CPunto alpha_at,
+              Picture& src, CPunto src_at, unsigned char (*table)[65536] = nullptr) {
   return Compared(
       dst, {&alpha, &src},
-      [&](Picture &p) {
-        return model::DrawMixAlpha(p, rect, alpha, alpha_at, src, src_at, table,
-                                   lu_gPaleta);
+      [&](Picture& p) {
+        return model::DrawMixAlpha(p, rect, alpha, alpha_at, src, src_at, table, lu_gPaleta);
       },
-      [&](TSurfDesc &surface) {
+      [&](TSurfDesc& surface) {
         TSurfDesc a = Describe(alpha), s = Describe(src);
         return DrawMix(surface, rect, a, alpha_at, s, src_at, table);
       });
 }
 
-Picture Scaled(const Picture &dst, const CRectangulo &rect, Picture &alpha,
-               CPunto alpha_at, Picture &src, CPunto src_at, int level) {
+Picture Scaled(const Picture& dst, const CRectangulo& rect, Picture& alpha, CPunto alpha_at,
+               Picture& src, CPunto src_at, int level) {
   return Compared(
       dst, {&alpha, &src},
-      [&](Picture &p) {
-        return model::DrawMixScaledAlpha(p, rect, alpha, alpha_at, src, src_at,
-                                         level, lu_gPaleta);
+      [&](Picture& p) {
+        return model::DrawMixScaledAlpha(p, rect, alpha, alpha_at, src, src_at, level, lu_gPaleta);
       },
-      [&](TSurfDesc &surface) {
+      [&](TSurfDesc& surface) {
         TSurfDesc a = Describe(alpha), s = Describe(src);
-        return DrawMix(surface, rect, a, alpha_at, s, src_at,
-                       static_cast<unsigned short>(level));
+        return DrawMix(surface, rect, a, alpha_at, s, src_at, static_cast<unsigned short>(level));
       });
 }
 
-Words MixedRow(int format, const Words &d, const Words &a, const Words &s,
-               int alpha_format = 8) {
+Words MixedRow(int format, const Words& d, const Words& a, const Words& s, int alpha_format = 8) {
   Picture src = PictureOf(format, int(s.size()), 1, s);
   Picture alpha = PictureOf(alpha_format, int(a.size()), 1, a);
   const Picture dst = PictureOf(format, int(d.size()), 1, d);
   return Pixels(Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0}));
 }
 
-Words ScaledRow(int format, const Words &d, const Words &a, const Words &s,
-                int level, int alpha_format = 8) {
+Words ScaledRow(int format, const Words& d, const Words& a, const Words& s, int level,
+                int alpha_format = 8) {
   Picture src = PictureOf(format, int(s.size()), 1, s);
   Picture alpha = PictureOf(alpha_format, int(a.size()), 1, a);
   const Picture dst = PictureOf(format, int(d.size()), 1, d);
@@ -79,15 +74,15 @@ Words ScaledRow(int format, const Words &d, const Words &a, const Words &s,
 }
 
 // Every pixel of the source is entry 0.
-Picture OfOneEntry(int width, int height, const TRGBA &entry) {
+Picture OfOneEntry(int width, int height, const TRGBA& entry) {
   Picture src = Filled(8, width, height, 0);
   src.has_palette = true;
   src.palette[0] = entry;
   return src;
 }
 
-Words MixedThroughPalette(int format, const Words &d, const Words &a,
-                          const TRGBA &entry, int alpha_format = 8) {
+Words MixedThroughPalette(int format, const Words& d, const Words& a, const TRGBA& entry,
+                          int alpha_format = 8) {
   Picture src = OfOneEntry(int(d.size()), 1, entry);
   Picture alpha = PictureOf(alpha_format, int(a.size()), 1, a);
   const Picture dst = PictureOf(format, int(d.size()), 1, d);
@@ -96,12 +91,9 @@ Words MixedThroughPalette(int format, const Words &d, const Words &a,
 
 TEST(DrawMixAlpha, Alpha0KeepsThePixelBitForBit) {
   for (int format : kDirect) {
-    const Words d(7, format == 32   ? 0xFEDCBA98
-                     : format == 24 ? 0xDCBA98
-                                    : 0xFEDC);
+    const Words d(7, format == 32 ? 0xFEDCBA98 : format == 24 ? 0xDCBA98 : 0xFEDC);
     EXPECT_EQ(MixedRow(format, d, Words(7, 0), Words(7, 0)), d) << format;
-    EXPECT_EQ(MixedThroughPalette(format, d, Words(7, 0), TRGBA{1, 2, 3, 4}), d)
-        << format;
+    EXPECT_EQ(MixedThroughPalette(format, d, Words(7, 0), TRGBA{1, 2, 3, 4}), d) << format;
     EXPECT_EQ(ScaledRow(format, d, Words(7, 0), Words(7, 0), 256), d) << format;
   }
 }
@@ -114,8 +106,7 @@ TEST(DrawMixAlpha, Alpha0KeepsAlphaBitsInsideAMixedGroup) {
 }
 
 TEST(DrawMixAlpha, AlphaFactorIsOneMoreInBytePixels) {
-  // 254 weighs 255/256: floor(255 x 255 / 256) = 254, and 255 + floor(-255 x
-  // 255 / 256) = 0.
+  // 254 weighs 255/256: floor(255 x 255 / 256) = 254, and 255 + floor(-255 x 255 / 256) = 0.
   EXPECT_EQ(MixedRow(32, {0x00FF00FF}, {254}, {0xFF00FF00}), Words{0xFE00FE00});
   EXPECT_EQ(MixedRow(24, {0xFF00FF}, {254}, {0x00FF00}), Words{0x00FE00});
   // 1 weighs 2/256: floor(128 x 2 / 256) = 1.
@@ -134,34 +125,26 @@ TEST(DrawMixAlpha, Alpha255CopiesThePixel) {
 
 TEST(DrawMixAlpha, OnlyFourOpaqueAlphasCopyAGroup) {
   for (int format : {18, 19}) {
-    EXPECT_EQ(MixedRow(format, Words(4, 0), Words(4, 255), Words(4, 0xF321)),
-              Words(4, 0xF321));
+    EXPECT_EQ(MixedRow(format, Words(4, 0), Words(4, 255), Words(4, 0xF321)), Words(4, 0xF321));
   }
   // Three of four: f = 255 on fields 3, 2, 1 gives 2, 1, 0 and no alpha bits.
-  EXPECT_EQ(MixedRow(19, Words(4, 0), {255, 255, 254, 255}, Words(4, 0xF321)),
-            Words(4, 0x0210));
+  EXPECT_EQ(MixedRow(19, Words(4, 0), {255, 255, 254, 255}, Words(4, 0xF321)), Words(4, 0x0210));
   // A whole group, a lone 255 in the next, and a 255 at the row end.
-  EXPECT_EQ(MixedRow(19, Words(9, 0), {255, 255, 255, 255, 0, 255, 0, 0, 255},
-                     Words(9, 0xF321)),
+  EXPECT_EQ(MixedRow(19, Words(9, 0), {255, 255, 255, 255, 0, 255, 0, 0, 255}, Words(9, 0xF321)),
             (Words{0xF321, 0xF321, 0xF321, 0xF321, 0, 0x0210, 0, 0, 0xF321}));
 }
 
 TEST(DrawMixAlpha, FactorIsTheAlphaItselfIn16BitPixels) {
-  // In the group and at the row end: floor(63 x 130 / 256) = 31, floor(63 x 131
-  // / 256) = 32.
-  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 130), Words(5, 0x07E0)),
-            Words(5, 31u << 5));
-  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 131), Words(5, 0x07E0)),
-            Words(5, 32u << 5));
+  // In the group and at the row end: floor(63 x 130 / 256) = 31, floor(63 x 131 / 256) = 32.
+  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 130), Words(5, 0x07E0)), Words(5, 31u << 5));
+  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 131), Words(5, 0x07E0)), Words(5, 32u << 5));
 }
 
 TEST(DrawMixAlpha, AlphaOfTwoBytesUsesItsLowByteAndOneMore) {
   // 130 with f = 131: floor(63 x 131 / 256) = 32.
-  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 0xEE82), Words(5, 0x07E0), 16),
-            Words(5, 32u << 5));
+  EXPECT_EQ(MixedRow(16, Words(5, 0), Words(5, 0xEE82), Words(5, 0x07E0), 16), Words(5, 32u << 5));
   // No groups: each 255 copies for itself, 0 keeps.
-  EXPECT_EQ(MixedRow(19, Words(4, 0xA000), {0x00FF, 0xFF00, 0x1234, 0x77FF},
-                     Words(4, 0xF321), 16),
+  EXPECT_EQ(MixedRow(19, Words(4, 0xA000), {0x00FF, 0xFF00, 0x1234, 0x77FF}, Words(4, 0xF321), 16),
             (Words{0xF321, 0xA000, 0x0000, 0xF321}));
 }
 
@@ -192,38 +175,28 @@ TEST(DrawMixAlpha, AlphaIsReadBytewiseInBytePixels) {
 TEST(DrawMixAlpha, PaletteSourceIn16BitsWeighsTheDestination) {
   // a = 100: 101 XOR 255 = 154; 20 + floor((10 - 20) x 154 / 256) = 13.
   // a = 1: 2 XOR 255 = 253; 0 + floor((31 - 0) x 253 / 256) = 30.
-  EXPECT_EQ(MixedThroughPalette(17, {0x000A}, {100}, TRGBA{0xA0, 0, 0, 0}),
-            Words{0x000D});
-  EXPECT_EQ(MixedThroughPalette(17, {0x001F}, {1}, TRGBA{0, 0, 0, 0}),
-            Words{0x001E});
+  EXPECT_EQ(MixedThroughPalette(17, {0x000A}, {100}, TRGBA{0xA0, 0, 0, 0}), Words{0x000D});
+  EXPECT_EQ(MixedThroughPalette(17, {0x001F}, {1}, TRGBA{0, 0, 0, 0}), Words{0x001E});
   // 0 on 63: floor(63 x 154 / 256) = 37.
-  EXPECT_EQ(MixedThroughPalette(16, {63u << 5}, {100}, TRGBA{0, 0, 0, 0}),
-            Words{37u << 5});
+  EXPECT_EQ(MixedThroughPalette(16, {63u << 5}, {100}, TRGBA{0, 0, 0, 0}), Words{37u << 5});
   // a = 254: (255 XOR 255) = 0, the source itself.
-  EXPECT_EQ(MixedThroughPalette(17, {0x001F}, {254}, TRGBA{0xA0, 0, 0, 0}),
-            Words{0x0014});
+  EXPECT_EQ(MixedThroughPalette(17, {0x001F}, {254}, TRGBA{0xA0, 0, 0, 0}), Words{0x0014});
   // The same through an alpha surface of two bytes.
-  EXPECT_EQ(
-      MixedThroughPalette(17, {0x001F}, {0x00FE}, TRGBA{0xA0, 0, 0, 0}, 16),
-      Words{0x0014});
+  EXPECT_EQ(MixedThroughPalette(17, {0x001F}, {0x00FE}, TRGBA{0xA0, 0, 0, 0}, 16), Words{0x0014});
 }
 
 TEST(DrawMixAlpha, PaletteSourceCopiesItsPackedColourAt255) {
   const TRGBA entry{0x5F, 0xA7, 0xEF, 0xC3};
-  EXPECT_EQ(MixedThroughPalette(16, {0}, {255}, entry),
-            Words{29u << 11 | 41u << 5 | 11u});
-  EXPECT_EQ(MixedThroughPalette(18, {0xFFFF}, {255}, entry),
-            Words{29u << 10 | 20u << 5 | 11u});
+  EXPECT_EQ(MixedThroughPalette(16, {0}, {255}, entry), Words{29u << 11 | 41u << 5 | 11u});
+  EXPECT_EQ(MixedThroughPalette(18, {0xFFFF}, {255}, entry), Words{29u << 10 | 20u << 5 | 11u});
   EXPECT_EQ(MixedThroughPalette(19, {0xFFFF}, {255}, entry), Words{0x0EA5});
   EXPECT_EQ(MixedThroughPalette(24, {0xFFFFFF}, {255}, entry), Words{0xEFA75F});
-  EXPECT_EQ(MixedThroughPalette(32, {0xFFFFFFFF}, {255}, entry),
-            Words{0xC3EFA75F});
+  EXPECT_EQ(MixedThroughPalette(32, {0xFFFFFFFF}, {255}, entry), Words{0xC3EFA75F});
 }
 
 TEST(DrawMixAlpha, PaletteTopByteUsesTheSameFactor) {
   // a = 127, f = 128: half of 200 in the top byte of every pixel.
-  EXPECT_EQ(MixedThroughPalette(32, Words(3, 0), Words(3, 127),
-                                TRGBA{100, 0, 0, 200}),
+  EXPECT_EQ(MixedThroughPalette(32, Words(3, 0), Words(3, 127), TRGBA{100, 0, 0, 200}),
             Words(3, 0x64000032));
 }
 
@@ -233,20 +206,15 @@ TEST(DrawMixAlpha, EmptyAreaIsFalseIn32And24BitsOnly) {
     Picture dst = Filled(format, 2, 2, 0x55), src = Filled(format, 2, 2, 0);
     Picture alpha = Filled(8, 2, 2, 255), back = Filled(format, 2, 2, 1);
     const std::vector<uint8_t> before = dst.bytes;
-    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src),
-              b = Describe(back);
+    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src), b = Describe(back);
     const bool expected = format != 32 && format != 24;
-    for (const CRectangulo &rect :
-         {CRectangulo{2, 0, 5, 2}, CRectangulo{1, 1, 1, 2},
-          CRectangulo{-4, 0, 0, 2}, CRectangulo{2, 2, 0, 0}}) {
-      EXPECT_EQ(DrawMix(d, rect, a, {0, 0}, s, {0, 0}, table.Get()), expected)
-          << format;
-      EXPECT_EQ(DrawMix(d, rect, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()),
-                expected);
+    for (const CRectangulo& rect : {CRectangulo{2, 0, 5, 2}, CRectangulo{1, 1, 1, 2},
+                                    CRectangulo{-4, 0, 0, 2}, CRectangulo{2, 2, 0, 0}}) {
+      EXPECT_EQ(DrawMix(d, rect, a, {0, 0}, s, {0, 0}, table.Get()), expected) << format;
+      EXPECT_EQ(DrawMix(d, rect, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()), expected);
       EXPECT_TRUE(DrawMix(d, rect, 77, s, {0, 0}, b, {0, 0}, table.Get()));
       if (format != 8) {
-        EXPECT_TRUE(DrawMix(d, rect, a, {0, 0}, s, {0, 0},
-                            static_cast<unsigned short>(300)));
+        EXPECT_TRUE(DrawMix(d, rect, a, {0, 0}, s, {0, 0}, static_cast<unsigned short>(300)));
       }
       EXPECT_EQ(dst.bytes, before);
     }
@@ -259,33 +227,26 @@ TEST(DrawMixAlpha, UnsupportedFormatIsFalse) {
     Picture dst = Filled(32, 2, 2, 0x12345678), src = Filled(32, 2, 2, 0);
     Picture alpha = Filled(8, 2, 2, 255);
     const std::vector<uint8_t> before = dst.bytes;
-    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src),
-              b = Describe(src);
+    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src), b = Describe(src);
     d.bpp = bpp;
     EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
-    EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0},
-                         static_cast<unsigned short>(9)));
-    EXPECT_FALSE(
-        DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()));
-    EXPECT_FALSE(
-        DrawMix(d, {0, 0, 2, 2}, 77, s, {0, 0}, b, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, static_cast<unsigned short>(9)));
+    EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, 77, s, {0, 0}, b, {0, 0}, table.Get()));
     EXPECT_EQ(dst.bytes, before);
   }
 }
 
 TEST(DrawMixScaledAlpha, IndexedDestinationIsFalse) {
-  Picture dst = Filled(8, 2, 2, 9), src = Filled(8, 2, 2, 0),
-          alpha = Filled(8, 2, 2, 255);
+  Picture dst = Filled(8, 2, 2, 9), src = Filled(8, 2, 2, 0), alpha = Filled(8, 2, 2, 255);
   const std::vector<uint8_t> before = dst.bytes;
   TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src);
-  EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0},
-                       static_cast<unsigned short>(256)));
+  EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, static_cast<unsigned short>(256)));
   EXPECT_EQ(dst.bytes, before);
 }
 
 TEST(DrawMixScaledAlpha, LevelScalesTheAlpha) {
-  // 200 at 128 is 100, and the factor is 100, not 101: floor(255 x 100 / 256)
-  // = 99.
+  // 200 at 128 is 100, and the factor is 100, not 101: floor(255 x 100 / 256) = 99.
   EXPECT_EQ(ScaledRow(32, {0}, {200}, {0xFFFFFFFF}, 128), Words{0x63636363});
   EXPECT_EQ(ScaledRow(24, {0}, {200}, {0xFFFFFF}, 128), Words{0x636363});
   // 255 at 128 is 127; at 1 everything scales to 0 and keeps.
@@ -308,42 +269,30 @@ TEST(DrawMixScaledAlpha, Level256DiffersFromTheAlphaOverloadByTheFactorOnly) {
     for (int alpha_format : {8, 16}) {
       const Picture dst = support::RandomPicture(random, format, 70, 4);
       Placed src = support::PlacedPicture(random, dst, Whole(dst), format);
-      Placed alpha =
-          support::PlacedPicture(random, dst, Whole(dst), alpha_format);
-      EXPECT_EQ(
-          Scaled(dst, Whole(dst), alpha.picture, alpha.at, src.picture, src.at,
-                 256)
-              .bytes,
-          Mixed(dst, Whole(dst), alpha.picture, alpha.at, src.picture, src.at)
-              .bytes);
+      Placed alpha = support::PlacedPicture(random, dst, Whole(dst), alpha_format);
+      EXPECT_EQ(Scaled(dst, Whole(dst), alpha.picture, alpha.at, src.picture, src.at, 256).bytes,
+                Mixed(dst, Whole(dst), alpha.picture, alpha.at, src.picture, src.at).bytes);
     }
   }
 }
 
 TEST(DrawMixScaledAlpha, GroupsCopyWhenTheScaledAlphasAre255) {
-  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 255), Words(4, 0xF321), 257),
-            Words(4, 0xF321));
-  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 128), Words(4, 0xF321), 510),
-            Words(4, 0xF321));
+  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 255), Words(4, 0xF321), 257), Words(4, 0xF321));
+  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 128), Words(4, 0xF321), 510), Words(4, 0xF321));
   // 254: 3, 2, 1 become 2, 1, 0.
-  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 255), Words(4, 0xF321), 255),
-            Words(4, 0x0210));
+  EXPECT_EQ(ScaledRow(19, Words(4, 0), Words(4, 255), Words(4, 0xF321), 255), Words(4, 0x0210));
   // Two bytes of alpha: 254 scaled, factor 255; and 255 copies one by one.
-  EXPECT_EQ(
-      ScaledRow(19, Words(2, 0), {0x00FF, 0xFF00}, Words(2, 0xF321), 255, 16),
-      (Words{0x0210, 0}));
-  EXPECT_EQ(
-      ScaledRow(19, Words(2, 0), {0x00FF, 0xFF01}, Words(2, 0xF321), 257, 16),
-      (Words{0xF321, 0}));
+  EXPECT_EQ(ScaledRow(19, Words(2, 0), {0x00FF, 0xFF00}, Words(2, 0xF321), 255, 16),
+            (Words{0x0210, 0}));
+  EXPECT_EQ(ScaledRow(19, Words(2, 0), {0x00FF, 0xFF01}, Words(2, 0xF321), 257, 16),
+            (Words{0xF321, 0}));
 }
 
-// Each pixel says where it stands: row in the second digit, column in the
-// first.
+// Each pixel says where it stands: row in the second digit, column in the first.
 Picture Numbered(int format, int width, int height) {
   Picture p = Filled(format, width, height, 0);
   for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x)
-      p.Put(x, y, uint32_t(y * 16 + x));
+    for (int x = 0; x < width; ++x) p.Put(x, y, uint32_t(y * 16 + x));
   }
   return p;
 }
@@ -356,9 +305,8 @@ TEST(DrawMixScaledAlpha, SourceStartsAtColumnAndRowOfTheY) {
               (Words{0x22, 0x23, 0x32, 0x33}));
     // The point does not move with the clipping; the alpha point does.
     alpha.Put(1, 1, 0);
-    EXPECT_EQ(
-        Pixels(Scaled(dst, {-1, -1, 2, 2}, alpha, {0, 0}, src, {5, 2}, 256)),
-        (Words{0, 0x23, 0x32, 0x33}));
+    EXPECT_EQ(Pixels(Scaled(dst, {-1, -1, 2, 2}, alpha, {0, 0}, src, {5, 2}, 256)),
+              (Words{0, 0x23, 0x32, 0x33}));
   }
 }
 
@@ -368,9 +316,8 @@ TEST(DrawMixScaledAlpha, SourceUsesBothCoordinatesIn16Bits) {
     const Picture dst = Filled(format, 2, 2, 0);
     EXPECT_EQ(Pixels(Scaled(dst, Whole(dst), alpha, {0, 0}, src, {5, 2}, 256)),
               (Words{0x25, 0x26, 0x35, 0x36}));
-    EXPECT_EQ(
-        Pixels(Scaled(dst, {-1, -1, 2, 2}, alpha, {0, 0}, src, {5, 2}, 256)),
-        (Words{0x36, 0x37, 0x46, 0x47}));
+    EXPECT_EQ(Pixels(Scaled(dst, {-1, -1, 2, 2}, alpha, {0, 0}, src, {5, 2}, 256)),
+              (Words{0x36, 0x37, 0x46, 0x47}));
   }
 }
 
@@ -381,11 +328,11 @@ TEST(DrawMixScaledAlpha, SourceHasThePixelSizeOfTheDestination) {
     const Picture dst = Filled(format, 2, 2, 0);
     Compared(
         dst, {&src, &alpha},
-        [&](Picture &p) {
-          return model::DrawMixScaledAlpha(p, Whole(p), alpha, {0, 0}, src,
-                                           {0, 0}, 256, lu_gPaleta);
+        [&](Picture& p) {
+          return model::DrawMixScaledAlpha(p, Whole(p), alpha, {0, 0}, src, {0, 0}, 256,
+                                           lu_gPaleta);
         },
-        [&](TSurfDesc &surface) {
+        [&](TSurfDesc& surface) {
           TSurfDesc a = Describe(alpha), s = Describe(src);
           s.bpp = 8;
           return DrawMix(surface, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0},
@@ -397,18 +344,13 @@ TEST(DrawMixScaledAlpha, SourceHasThePixelSizeOfTheDestination) {
 TEST(DrawMixAlpha8Bits, SourceMustHave8Bits) {
   const Table table;
   for (int format : kDirect) {
-    Picture dst = Filled(8, 2, 2, 9), src = Filled(format, 2, 2, 0),
-            alpha = Filled(8, 2, 2, 255);
+    Picture dst = Filled(8, 2, 2, 9), src = Filled(format, 2, 2, 0), alpha = Filled(8, 2, 2, 255);
     const std::vector<uint8_t> before = dst.bytes;
-    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src),
-              b = Describe(dst);
+    TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src), b = Describe(dst);
     EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
-    EXPECT_FALSE(
-        DrawMix_8Bits(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
-    EXPECT_FALSE(
-        DrawMix_8Bits(d, {2, 2, 0, 0}, a, {0, 0}, s, {0, 0}, table.Get()));
-    EXPECT_FALSE(
-        DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix_8Bits(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix_8Bits(d, {2, 2, 0, 0}, a, {0, 0}, s, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, b, {0, 0}, table.Get()));
     EXPECT_EQ(dst.bytes, before);
   }
 }
@@ -416,12 +358,10 @@ TEST(DrawMixAlpha8Bits, SourceMustHave8Bits) {
 TEST(DrawMixAlpha8Bits, DestinationMustHave8Bits) {
   const Table table;
   for (int format : kDirect) {
-    Picture dst = Filled(format, 2, 2, 9), src = Filled(8, 2, 2, 0),
-            alpha = Filled(8, 2, 2, 255);
+    Picture dst = Filled(format, 2, 2, 9), src = Filled(8, 2, 2, 0), alpha = Filled(8, 2, 2, 255);
     const std::vector<uint8_t> before = dst.bytes;
     TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src);
-    EXPECT_FALSE(
-        DrawMix_8Bits(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
+    EXPECT_FALSE(DrawMix_8Bits(d, {0, 0, 2, 2}, a, {0, 0}, s, {0, 0}, table.Get()));
     EXPECT_EQ(dst.bytes, before);
   }
 }
@@ -436,12 +376,10 @@ TEST(DrawMixAlpha8Bits, KeepsCopiesAndMixes) {
   const int key = 20 / 8 * 2048 + 98 / 4 * 32 + 49 / 8;
   table.Set(1, key, 7);
   table.Set(0, key, 8);
-  Picture src = PictureOf(8, 4, 1, {2, 2, 2, 2}),
-          alpha = PictureOf(8, 4, 1, {0, 255, 99, 99});
+  Picture src = PictureOf(8, 4, 1, {2, 2, 2, 2}), alpha = PictureOf(8, 4, 1, {0, 255, 99, 99});
   const Picture dst = PictureOf(8, 4, 1, {1, 1, 1, 1});
-  EXPECT_EQ(
-      Pixels(Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0}, table.Get())),
-      (Words{1, 2, 7, 8}));
+  EXPECT_EQ(Pixels(Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0}, table.Get())),
+            (Words{1, 2, 7, 8}));
 }
 
 TEST(DrawMixAlpha8Bits, KernelIsExported) {
@@ -455,15 +393,13 @@ TEST(DrawMixAlpha8Bits, KernelIsExported) {
     Placed alpha = support::PlacedPicture(random, dst, rect, 8);
     Compared(
         dst, {&src.picture, &alpha.picture},
-        [&](Picture &p) {
-          return model::DrawMixAlpha8Bits(p, rect, alpha.picture, alpha.at,
-                                          src.picture, src.at, table.Get(),
-                                          lu_gPaleta);
+        [&](Picture& p) {
+          return model::DrawMixAlpha8Bits(p, rect, alpha.picture, alpha.at, src.picture, src.at,
+                                          table.Get(), lu_gPaleta);
         },
-        [&](TSurfDesc &surface) {
+        [&](TSurfDesc& surface) {
           TSurfDesc a = Describe(alpha.picture), s = Describe(src.picture);
-          return DrawMix_8Bits(surface, rect, a, alpha.at, s, src.at,
-                               table.Get());
+          return DrawMix_8Bits(surface, rect, a, alpha.at, s, src.at, table.Get());
         });
   }
 }
@@ -474,26 +410,22 @@ TEST(DrawMixAlpha, PointsOutsideTheirSurfacesDoNotStopIt) {
     const Picture dst = Filled(format, 3, 3, 0x21);
     const Picture inside = Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0});
     EXPECT_NE(inside.bytes, dst.bytes);
-    EXPECT_EQ(Mixed(dst, {-5, -7, 3, 3}, alpha, {-5, -7}, src, {-5, -7}).bytes,
-              inside.bytes);
+    EXPECT_EQ(Mixed(dst, {-5, -7, 3, 3}, alpha, {-5, -7}, src, {-5, -7}).bytes, inside.bytes);
     src.width = src.height = alpha.width = alpha.height = 0;
-    EXPECT_EQ(Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0}).bytes,
-              inside.bytes);
+    EXPECT_EQ(Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0}).bytes, inside.bytes);
   }
 }
 
 // Whole groups of 0 and of 255, and single ones, among random bytes.
-void SetAlphas(Random &random, Picture &alpha) {
+void SetAlphas(Random& random, Picture& alpha) {
   const int bytes = alpha.BytesPerPixel();
   for (int y = 0; y < alpha.height; ++y) {
     for (int x = 0; x < alpha.width;) {
-      const int run = random.OneIn(2) ? 1 : random.Between(1, 20),
-                kind = random.Below(3);
+      const int run = random.OneIn(2) ? 1 : random.Between(1, 20), kind = random.Below(3);
       const uint8_t value = kind == 0 ? 0 : kind == 1 ? 255 : random.Byte();
       for (int i = 0; i < run && x < alpha.width; ++i, ++x) {
         alpha.bytes[size_t(alpha.Index(x, y))] = value;
-        if (bytes > 1)
-          alpha.bytes[size_t(alpha.Index(x, y)) + 1] = random.Byte();
+        if (bytes > 1) alpha.bytes[size_t(alpha.Index(x, y)) + 1] = random.Byte();
       }
     }
   }
@@ -503,17 +435,15 @@ TEST(DrawMixAlpha, AnyCaseMatchesModel) {
   Random setup(2);
   const GlobalPalette global(support::RandomEntries(setup));
   const Table table(setup);
-  support::ForEachCase(7 * support::kWidths * 3, [&](Random &random, int seed) {
+  support::ForEachCase(7 * support::kWidths * 3, [&](Random& random, int seed) {
     const int format = model::kFormats[seed % 7];
     const int height = random.Between(1, 5);
-    const Picture dst =
-        support::RandomPicture(random, format, support::WidthOf(seed / 7),
-                               height, support::AnyOptions(random));
+    const Picture dst = support::RandomPicture(random, format, support::WidthOf(seed / 7), height,
+                                               support::AnyOptions(random));
     const CRectangulo rect = support::RandomRect(random, dst.width, dst.height);
     Placed src = support::PlacedSource(random, dst, rect);
     const bool two_bytes = dst.BytesPerPixel() == 2 && random.OneIn(3);
-    Placed alpha =
-        support::PlacedPicture(random, dst, rect, two_bytes ? 16 : 8);
+    Placed alpha = support::PlacedPicture(random, dst, rect, two_bytes ? 16 : 8);
     SetAlphas(random, alpha.picture);
     Mixed(dst, rect, alpha.picture, alpha.at, src.picture, src.at,
           format == 8 ? table.Get() : nullptr);
@@ -523,28 +453,24 @@ TEST(DrawMixAlpha, AnyCaseMatchesModel) {
 TEST(DrawMixScaledAlpha, AnyCaseMatchesModel) {
   Random setup(3);
   const GlobalPalette global(support::RandomEntries(setup));
-  support::ForEachCase(6 * support::kWidths * 3, [&](Random &random, int seed) {
+  support::ForEachCase(6 * support::kWidths * 3, [&](Random& random, int seed) {
     const int format = kDirect[seed % 6];
     const int height = random.Between(1, 5);
-    const Picture dst =
-        support::RandomPicture(random, format, support::WidthOf(seed / 6),
-                               height, support::AnyOptions(random));
+    const Picture dst = support::RandomPicture(random, format, support::WidthOf(seed / 6), height,
+                                               support::AnyOptions(random));
     const CRectangulo rect = support::RandomRect(random, dst.width, dst.height);
     const bool packed16 = dst.BytesPerPixel() == 2;
     Placed src = support::PlacedSource(random, dst, rect);
     if (!packed16) {
       // Column and row are the point's y, from the first visible pixel on.
       const int corner = random.Below(3);
-      src.picture = support::RandomPicture(random, format, corner + dst.width,
-                                           corner + dst.height,
+      src.picture = support::RandomPicture(random, format, corner + dst.width, corner + dst.height,
                                            support::AnyOptions(random));
       src.at = {random.Between(-999, 999), corner};
     }
-    Placed alpha = support::PlacedPicture(random, dst, rect,
-                                          packed16 && random.OneIn(3) ? 16 : 8);
+    Placed alpha = support::PlacedPicture(random, dst, rect, packed16 && random.OneIn(3) ? 16 : 8);
     SetAlphas(random, alpha.picture);
-    const int level =
-        random.OneIn(3) ? 256 + random.Below(2) : support::AnyLevel(random);
+    const int level = random.OneIn(3) ? 256 + random.Below(2) : support::AnyLevel(random);
     SCOPED_TRACE("level " + std::to_string(level));
     Scaled(dst, rect, alpha.picture, alpha.at, src.picture, src.at, level);
   });
@@ -552,14 +478,11 @@ TEST(DrawMixScaledAlpha, AnyCaseMatchesModel) {
 
 TEST(DrawMixOver, DrawsTheBackgroundThenMixes) {
   // Half of 0x80 over 0x40, and 0x40 alone; then half everywhere.
-  Picture back = Filled(32, 2, 1, 0x40404040),
-          src = Filled(32, 2, 1, 0x80808080);
+  Picture back = Filled(32, 2, 1, 0x40404040), src = Filled(32, 2, 1, 0x80808080);
   Picture alpha = PictureOf(8, 2, 1, {127, 0});
   Picture dst = Filled(32, 2, 1, 0xFFFFFFFF);
-  TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src),
-            b = Describe(back);
-  EXPECT_TRUE(
-      DrawMix(d, {0, 0, 2, 1}, a, {0, 0}, s, {0, 0}, b, {0, 0}, nullptr));
+  TSurfDesc d = Describe(dst), a = Describe(alpha), s = Describe(src), b = Describe(back);
+  EXPECT_TRUE(DrawMix(d, {0, 0, 2, 1}, a, {0, 0}, s, {0, 0}, b, {0, 0}, nullptr));
   EXPECT_EQ(Pixels(dst), (Words{0x60606060, 0x40404040}));
   EXPECT_TRUE(DrawMix(d, {0, 0, 2, 1}, 128, s, {0, 0}, b, {0, 0}, nullptr));
   EXPECT_EQ(Pixels(dst), (Words{0x60606060, 0x60606060}));
@@ -569,44 +492,39 @@ TEST(DrawMixOver, AnyCaseMatchesModel) {
   Random setup(4);
   const GlobalPalette global(support::RandomEntries(setup));
   const Table table(setup);
-  support::ForEachCase(7 * support::kWidths, [&](Random &random, int seed) {
+  support::ForEachCase(7 * support::kWidths, [&](Random& random, int seed) {
     const int format = model::kFormats[seed % 7];
     const int height = random.Between(1, 5);
-    const Picture dst =
-        support::RandomPicture(random, format, support::WidthOf(seed / 7),
-                               height, support::AnyOptions(random));
+    const Picture dst = support::RandomPicture(random, format, support::WidthOf(seed / 7), height,
+                                               support::AnyOptions(random));
     const CRectangulo rect = support::RandomRect(random, dst.width, dst.height);
     Placed src = support::PlacedSource(random, dst, rect);
     Placed back = support::PlacedSource(random, dst, rect);
-    if (random.OneIn(2))
-      back.picture.key = random.Next() % 65536;
+    if (random.OneIn(2)) back.picture.key = random.Next() % 65536;
     Placed alpha = support::PlacedPicture(random, dst, rect, 8);
     SetAlphas(random, alpha.picture);
     const int level = support::AnyLevel(random);
     Compared(
         dst, {&src.picture, &alpha.picture, &back.picture},
-        [&](Picture &p) {
-          return model::DrawMixAlphaOver(p, rect, alpha.picture, alpha.at,
-                                         src.picture, src.at, back.picture,
-                                         back.at, table.Get(), lu_gPaleta);
+        [&](Picture& p) {
+          return model::DrawMixAlphaOver(p, rect, alpha.picture, alpha.at, src.picture, src.at,
+                                         back.picture, back.at, table.Get(), lu_gPaleta);
         },
-        [&](TSurfDesc &surface) {
+        [&](TSurfDesc& surface) {
           TSurfDesc a = Describe(alpha.picture), s = Describe(src.picture);
           TSurfDesc b = Describe(back.picture);
-          return DrawMix(surface, rect, a, alpha.at, s, src.at, b, back.at,
-                         table.Get());
+          return DrawMix(surface, rect, a, alpha.at, s, src.at, b, back.at, table.Get());
         });
     Compared(
         dst, {&src.picture, &back.picture},
-        [&](Picture &p) {
-          return model::DrawMixOver(p, rect, level, src.picture, src.at,
-                                    back.picture, back.at, table.Get(),
-                                    lu_gPaleta);
+        [&](Picture& p) {
+          return model::DrawMixOver(p, rect, level, src.picture, src.at, back.picture, back.at,
+                                    table.Get(), lu_gPaleta);
         },
-        [&](TSurfDesc &surface) {
+        [&](TSurfDesc& surface) {
           TSurfDesc s = Describe(src.picture), b = Describe(back.picture);
-          return DrawMix(surface, rect, static_cast<unsigned short>(level), s,
-                         src.at, b, back.at, table.Get());
+          return DrawMix(surface, rect, static_cast<unsigned short>(level), s, src.at, b, back.at,
+                         table.Get());
         });
   });
 }
@@ -627,8 +545,7 @@ TEST(DrawMixAlpha, AllAlphasOnAllBytePairs) {
   }
 }
 
-// Rows of 64 are groups of four only, rows of 3 have none; with two bytes of
-// alpha, too.
+// Rows of 64 are groups of four only, rows of 3 have none; with two bytes of alpha, too.
 TEST(DrawMixAlpha, AllAlphasOnAllFieldPairs) {
   for (int format : kPacked16) {
     const int values = format == 16 ? 64 : format == 19 ? 16 : 32;
@@ -650,8 +567,7 @@ TEST(DrawMixAlpha, AllAlphasOnAllFieldPairs) {
                                      : model::JoinFields(format, {s, s, s}));
         }
         for (uint32_t a = 0; a < 256; ++a) {
-          Picture alpha = Filled(8, width, height, a),
-                  wide = Filled(16, width, height, 0xA500 + a);
+          Picture alpha = Filled(8, width, height, a), wide = Filled(16, width, height, 0xA500 + a);
           Mixed(dst, Whole(dst), alpha, {0, 0}, src, {0, 0});
           Mixed(dst, Whole(dst), wide, {0, 0}, src, {0, 0});
         }
@@ -660,4 +576,4 @@ TEST(DrawMixAlpha, AllAlphasOnAllFieldPairs) {
   }
 }
 
-} // namespace
+}  // namespace

@@ -1,5 +1,5 @@
-// What the tests of mixing, masks and fades share: tables, palettes, placed
-// sources, and the comparison of model and library.
+// What the tests of mixing, masks and fades share: tables, palettes, placed sources, and the
+// comparison of model and library.
 #ifndef TESTS_SUPPORT_MIXING_H_
 #define TESTS_SUPPORT_MIXING_H_
 
@@ -24,9 +24,8 @@ namespace support {
 
 // Replaces lu_gPaleta, and puts the old one back.
 class GlobalPalette {
-public:
-  explicit GlobalPalette(const std::array<TRGBA, 256> &entries)
-      : entries_(entries) {
+ public:
+  explicit GlobalPalette(const std::array<TRGBA, 256>& entries) : entries_(entries) {
     std::memcpy(before_.data(), lu_gPaleta, sizeof(before_));
     std::memcpy(lu_gPaleta, entries.data(), sizeof(entries));
   }
@@ -34,28 +33,26 @@ public:
     EXPECT_EQ(std::memcmp(lu_gPaleta, entries_.data(), sizeof(entries_)), 0);
     std::memcpy(lu_gPaleta, before_.data(), sizeof(before_));
   }
-  GlobalPalette(const GlobalPalette &) = delete;
-  GlobalPalette &operator=(const GlobalPalette &) = delete;
+  GlobalPalette(const GlobalPalette&) = delete;
+  GlobalPalette& operator=(const GlobalPalette&) = delete;
 
-private:
+ private:
   std::array<TRGBA, 256> entries_, before_;
 };
 
-inline std::array<TRGBA, 256> RandomEntries(Random &random) {
+inline std::array<TRGBA, 256> RandomEntries(Random& random) {
   std::array<TRGBA, 256> entries;
-  for (TRGBA &e : entries)
-    e = {random.Byte(), random.Byte(), random.Byte(), random.Byte()};
+  for (TRGBA& e : entries) e = {random.Byte(), random.Byte(), random.Byte(), random.Byte()};
   return entries;
 }
 
 // Two planes on the heap, passed to the operations as the host does.
 class Table {
-public:
+ public:
   Table() : planes_(new Planes()) {}
-  explicit Table(Random &random) : Table() {
-    for (auto &plane : planes_->bytes) {
-      for (unsigned char &byte : plane)
-        byte = static_cast<unsigned char>(random.Next());
+  explicit Table(Random& random) : Table() {
+    for (auto& plane : planes_->bytes) {
+      for (unsigned char& byte : plane) byte = static_cast<unsigned char>(random.Next());
     }
   }
   unsigned char (*Get() const)[65536] { return planes_->bytes; }
@@ -63,45 +60,39 @@ public:
     planes_->bytes[plane][key] = static_cast<unsigned char>(index);
   }
 
-private:
+ private:
   struct Planes {
     unsigned char bytes[2][65536] = {};
   };
   std::unique_ptr<Planes> planes_;
 };
 
-// A second picture for a rectangle, and the point of it that belongs to the
-// rectangle's corner.
+// A second picture for a rectangle, and the point of it that belongs to the rectangle's corner.
 struct Placed {
   model::Picture picture;
   CPunto at;
 };
 
-// Just large enough for the visible part of `rect`, and a few pixels more here
-// and there. The point lies outside the picture whenever the rectangle is cut
-// at the left or at the top.
-inline Placed PlacedPicture(Random &random, const model::Picture &dst,
-                            const CRectangulo &rect, int format) {
+// Just large enough for the visible part of `rect`, and a few pixels more here and there. The point
+// mostly lies outside the picture when the rectangle is cut at the left or at the top.
+inline Placed PlacedPicture(Random& random, const model::Picture& dst, const CRectangulo& rect,
+                            int format) {
   const model::Clipped area = model::Clip(dst.width, dst.height, rect);
-  const int width =
-      area.visible ? int(area.box.right - area.box.left) : random.Below(3);
-  const int height =
-      area.visible ? int(area.box.bottom - area.box.top) : random.Below(3);
+  const int width = area.visible ? int(area.box.right - area.box.left) : random.Below(3);
+  const int height = area.visible ? int(area.box.bottom - area.box.top) : random.Below(3);
   const int x = random.Below(4), y = random.Below(3);
   const int more_x = random.Below(3), more_y = random.Below(2);
   Placed placed;
-  placed.picture = RandomPicture(random, format, x + width + more_x,
-                                 y + height + more_y, AnyOptions(random));
+  placed.picture =
+      RandomPicture(random, format, x + width + more_x, y + height + more_y, AnyOptions(random));
   placed.at = {int(x - area.moved_x), int(y - area.moved_y)};
-  if (!area.visible)
-    placed.at = {random.Between(-99, 99), random.Between(-99, 99)};
+  if (!area.visible) placed.at = {random.Between(-99, 99), random.Between(-99, 99)};
   return placed;
 }
 
-// A source for `dst`: of its format, of another 16-bit packing when it has 16
-// bits, or with 8 bits and a palette of its own or none.
-inline Placed PlacedSource(Random &random, const model::Picture &dst,
-                           const CRectangulo &rect) {
+// A source for `dst`: of its format, of another 16-bit packing when it has 16 bits, or with 8 bits
+// and a palette of its own or none.
+inline Placed PlacedSource(Random& random, const model::Picture& dst, const CRectangulo& rect) {
   int format = dst.format;
   if (random.OneIn(3)) {
     format = 8;
@@ -109,17 +100,15 @@ inline Placed PlacedSource(Random &random, const model::Picture &dst,
     format = 16 + random.Below(4);
   }
   Placed placed = PlacedPicture(random, dst, rect, format);
-  if (format == 8 && random.OneIn(3))
-    placed.picture.has_palette = false;
+  if (format == 8 && random.OneIn(3)) placed.picture.has_palette = false;
   return placed;
 }
 
 // The levels with rules of their own, those next to them, and any other.
-inline int AnyLevel(Random &random) {
-  static constexpr int kLevels[] = {
-      0,   1,   63,  64,  65,  127,   128,   129,   191,   192,
-      193, 254, 255, 256, 257, 320,   384,   448,   510,   511,
-      512, 767, 768, 896, 899, 32767, 32768, 40000, 65280, 65535};
+inline int AnyLevel(Random& random) {
+  static constexpr int kLevels[] = {0,   1,   63,  64,  65,  127,   128,   129,   191,   192,
+                                    193, 254, 255, 256, 257, 320,   384,   448,   510,   511,
+                                    512, 767, 768, 896, 899, 32767, 32768, 40000, 65280, 65535};
   const int pick = random.Below(64), any = int(random.Next() % 65536);
   return pick < 32 ? kLevels[pick % 30] : pick < 56 ? any % 512 : any;
 }
@@ -129,18 +118,15 @@ inline unsigned long Noisy(uint32_t colour) {
   return static_cast<unsigned long>(uint64_t{0x5EA51DE500000000} | colour);
 }
 
-// Runs the model once and the library on every instruction set, on copies of
-// `dst`, and compares results and bytes; `inputs` must not change. Returns what
-// the model made of `dst`.
+// Runs the model once and the library on every instruction set, on copies of `dst`, and compares
+// results and bytes; `inputs` must not change. Returns what the model made of `dst`.
 template <class Model, class Library>
-model::Picture Compared(const model::Picture &dst,
-                        std::initializer_list<model::Picture *> inputs,
-                        Model &&model, Library &&library) {
+model::Picture Compared(const model::Picture& dst, std::initializer_list<model::Picture*> inputs,
+                        Model&& model, Library&& library) {
   model::Picture expected = dst;
   const bool result = model(expected);
   std::vector<std::vector<uint8_t>> before;
-  for (const model::Picture *input : inputs)
-    before.push_back(input->bytes);
+  for (const model::Picture* input : inputs) before.push_back(input->bytes);
   ForEachTarget([&] {
     model::Picture actual = dst;
     TSurfDesc surface = model::Describe(actual);
@@ -148,11 +134,10 @@ model::Picture Compared(const model::Picture &dst,
     EXPECT_TRUE(Same(expected, actual, surface));
   });
   size_t i = 0;
-  for (const model::Picture *input : inputs)
-    EXPECT_EQ(input->bytes, before[i++]);
+  for (const model::Picture* input : inputs) EXPECT_EQ(input->bytes, before[i++]);
   return expected;
 }
 
-} // namespace support
+}  // namespace support
 
-#endif // TESTS_SUPPORT_MIXING_H_
+#endif  // TESTS_SUPPORT_MIXING_H_
