@@ -1133,7 +1133,7 @@ PINCEL_API pincel_status pincel_gif_frame(TGifFrame& frame, const unsigned char*
  * @param data the file. @param length its bytes.
  * @param frame from #pincel_gif_frame.
  * @return OK; TRUNCATED (fewer pixels than the frame has, the others are left as they were); CORRUPT
- *         (also a minimum code size outside 2 to 9); NOT_THIS_FORMAT; UNSUPPORTED (the surface's
+ *         (also a minimum code size outside 1 to 8); NOT_THIS_FORMAT; UNSUPPORTED (the surface's
  *         depth); SURFACE_TOO_SMALL; NO_FRAME when `frame` is none of this file. */
 PINCEL_API pincel_status pincel_load_gif(TSurfDesc& surface, const unsigned char* data,
                                          size_t length, const TGifFrame& frame);

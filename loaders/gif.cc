@@ -73,7 +73,9 @@ struct Frame {
   ColourTable colours;
   unsigned root_bits;
 
-  bool IsDecodable() const { return root_bits >= 2 && root_bits <= 9; }
+  bool HasBitsFrom(unsigned least, unsigned most) const {
+    return root_bits >= least && root_bits <= most;
+  }
 };
 
 // What stands between the frame's "," and its codes. False when the file ends first.
@@ -177,7 +179,7 @@ uint32_t DecodePacked(CQXGIF& gif, RAW* record, size_t room) {
   record->height = frame.height;
   StoreColours(*record, frame.colours);
   gif.cursor = const_cast<uint8_t*>(file.At());
-  if (!frame.IsDecodable()) return 5;
+  if (!frame.HasBitsFrom(2, 9)) return 5;
 
   uint8_t* const output = record->output;
   FrameRows rows(frame, [=](uint32_t x, uint32_t y, const uint8_t* indices, size_t count) {
@@ -464,7 +466,7 @@ pincel_status pincel_load_gif(TSurfDesc& surface, const unsigned char* data, siz
   if (status != PINCEL_OK) return status;
   status = OpenFrame(file, frame.offset, image);
   if (status != PINCEL_OK) return status;
-  if (!image.IsDecodable()) return PINCEL_CORRUPT;
+  if (!image.HasBitsFrom(1, 8)) return PINCEL_CORRUPT;
   return Dispatch(AllFormats{}, surface, PINCEL_UNSUPPORTED, [&](auto format) {
     using Format = decltype(format);
     if (!HoldsImage<Format>(surface, image.width, image.height)) return PINCEL_SURFACE_TOO_SMALL;

@@ -177,8 +177,7 @@ CodesEnd DecodeCodes(CodeReader& reader, unsigned root_bits, CodeRules rules, bo
     if (after_clear) {
       after_clear = false;
       previous = known ? code : 0;
-      if (!wanted) continue;
-      indices[used++] = uint8_t(previous);
+      if (wanted) indices[used++] = uint8_t(previous);
     } else {
       if (wanted) {
         uint8_t* const string = indices.data() + used;
@@ -190,11 +189,11 @@ CodesEnd DecodeCodes(CodeReader& reader, unsigned root_bits, CodeRules rules, bo
       if (next < limit) {
         previous = known ? code : next;
         ++next;
-        if (next == limit && reader.width < CodeReader::kMaxWidth) {
-          limit *= 2;
-          ++reader.width;
-        }
       }
+    }
+    if (next == limit && reader.width < CodeReader::kMaxWidth) {
+      limit *= 2;
+      ++reader.width;
     }
     if (used >= kFlushAt) {
       wanted = sink.Write(indices.data(), used);
