@@ -306,6 +306,23 @@ TEST(LoadBMP, QxFileIsReadFromOffset54) {
   EXPECT_EQ(RowsOf(p), (Rows{{0, 0, 0, 1}}));  // the first entry of the colour table
 }
 
+TEST(LoadBMP, OtherSignaturesUseTheOffsetOfTheHeader) {
+  for (const auto& [first, second] : {std::pair{'Q', 'M'}, {'B', 'X'}, {'q', 'x'}, {0, 0}}) {
+    std::vector<uint8_t> bytes = IndexedFile(4, 1, {3, 2, 1, 0}).Bytes();
+    bytes[0] = uint8_t(first);
+    bytes[1] = uint8_t(second);
+    Picture p = Blank(8, 4, 1);
+    EXPECT_TRUE(Load(p, bytes));
+    EXPECT_EQ(RowsOf(p), (Rows{{3, 2, 1, 0}}));
+  }
+}
+
+TEST(LoadBMP, HeightOf0IsBottomUp) {
+  Picture p = Blank(8, 1, 2);
+  EXPECT_TRUE(Load(p, IndexedFile(1, 0, {1, 0, 0, 0, 2, 0, 0, 0}).Bytes()));
+  EXPECT_EQ(RowsOf(p), (Rows{{2}, {1}}));
+}
+
 TEST(LoadBMP, ShortHeaderUsesTheLibrarysPalette) {
   BmpFile file;
   file.header = 12;
