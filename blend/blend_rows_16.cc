@@ -102,8 +102,8 @@ struct BlendKernel<Format, Formula> {
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
-    const auto p = hn::LoadU(d, reinterpret_cast<const Lane*>(dst));
-    const auto s = hn::LoadU(d, reinterpret_cast<const Lane*>(src));
+    const auto p = LoadPixels(d, dst);
+    const auto s = LoadPixels(d, src);
     const auto blended = FromTops<Format>(d, [&]<class Field>(Field) HWY_ATTR {
       return BlendTops(Formula(), d, ToTop<Field>(d, p), ToTop<Field>(d, s));
     });
@@ -123,8 +123,8 @@ struct MaskedBlendKernel<Format, Formula> {
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
                          const uint8_t* mask) const {
-    const auto p = hn::LoadU(d, reinterpret_cast<const Lane*>(dst));
-    const auto s = hn::LoadU(d, reinterpret_cast<const Lane*>(src));
+    const auto p = LoadPixels(d, dst);
+    const auto s = LoadPixels(d, src);
     const auto m = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
     const auto moved = JoinFields<Format>([&]<class Field>(Field) HWY_ATTR {
       constexpr int kToBottom = 16 - Field::kWidth;

@@ -18,10 +18,6 @@ namespace pincel {
 namespace HWY_NAMESPACE {
 
 template <class D>
-HWY_INLINE hn::VFromD<D> LoadPixels(D d, const uint8_t* p) {
-  return hn::LoadU(d, reinterpret_cast<const uint32_t*>(p));
-}
-template <class D>
 HWY_INLINE void StorePixels(D d, hn::VFromD<D> v, uint8_t* p) {
   hn::StoreU(v, d, reinterpret_cast<uint32_t*>(p));
 }
