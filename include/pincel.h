@@ -1089,12 +1089,12 @@ PINCEL_API pincel_status pincel_load_info_bmp(TSurfDesc& surface, const unsigned
 
 /** Decodes a BMP file into the top left corner of a surface.
  *
- * Reads headers of 12, 16, 40, 52, 56, 64, 108 and 124 bytes; 1, 2, 4 and 8 bits with colour table
- * (indices beyond it are black), run-length data of 4 and 8 bits, 24 bits,
- * and 16 and 32 bits with any masks. Fields narrower than 8 bits are scaled to 0..255 and rounded;
- * without an alpha mask pixels are opaque. Pixels that run-length data skips get index 0, on every
- * surface. Run-length data past the end of a row is left out. Embedded JPEG and PNG images and colour
- * profiles are not read; "QX" files have their pixels at offset 54.
+ * Reads headers of 12, 16, 40, 52, 56, 64, 108 and 124 bytes; 1, 2, 4 and 8 bits with a colour
+ * table (indices beyond it are black), run-length data of 4 and 8 bits, 24 bits, and 16 and 32 bits
+ * with any masks. Fields narrower than 8 bits repeat their top bits below, so that they span 0..255;
+ * wider ones keep their top 8. Without an alpha mask pixels are opaque. Pixels that run-length data
+ * skips get index 0, on every surface; what it has past the end of a row is left out. Embedded JPEG
+ * and PNG images and colour profiles are not read; "QX" files have their pixels at offset 54.
  * @param surface destination; 8-bit surfaces take files of up to 8 bits.
  * @param data the file. @param length its bytes.
  * @return OK; TRUNCATED (whole rows are kept, of run-length data every pixel); CORRUPT (also

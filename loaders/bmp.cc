@@ -247,7 +247,10 @@ class Channel {
     if (width > 0) shift_ = unsigned(std::countr_zero(mask)) + width - kept;
     const unsigned most = (1u << kept) - 1;
     for (unsigned v = 0; v <= most; ++v) {
-      bytes_[v] = width == 0 ? missing : uint8_t((v * 255 + most / 2) / most);
+      // The top bits repeat below, so that the largest value becomes 255.
+      unsigned byte = width == 0 ? missing : v << (8 - kept);
+      for (unsigned filled = kept; filled < 8 && width > 0; filled *= 2) byte |= byte >> filled;
+      bytes_[v] = uint8_t(byte);
     }
   }
   uint8_t Get(uint32_t pixel) const { return bytes_[(pixel & mask_) >> shift_]; }
