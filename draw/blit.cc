@@ -1,6 +1,4 @@
 // DrawBitmap: rectangle blit with colour key.
-#include <array>
-
 #include "draw/blit_pixel.h"
 #include "draw/blit_rows.h"
 #include "surface/clip.h"
@@ -27,19 +25,10 @@ void BlitSameDepth(const SourceRows& rows, const TSurfDesc& src) {
     CopyKeyed(Format::kBytes, rows, TransparentValue<Format>(src.colorKey));
     return;
   }
-  // Not at 24 bits, where each row leaves out its own last third.
+  // Joined but for 24 bits, where each row leaves out its own last third.
   const SourceRows copied =
       Format::kBytes == 3 ? rows : Joined(rows, Format::kBytes, Format::kBytes);
-  ForEachRow(copied, [bytes = OpaqueRowBytes<Format>(copied.width)](uint8_t* d, const uint8_t* s) {
-    std::memmove(d, s, bytes);  // a surface may scroll within itself, upwards or sideways
-  });
-}
-
-// What an index of an 8-bit source becomes: alpha bits are 0 at 16 bits, the whole entry is stored
-// at 32.
-template <class Format>
-uint32_t FromEntry(uint32_t entry) {
-  return Format::kBytes == 4 ? entry : Format::Pack(ToBgr(entry));
+  CopyBytes(OpaqueRowBytes<Format>(copied.width), copied);
 }
 
 }  // namespace
@@ -54,10 +43,8 @@ bool DrawBitmap(TSurfDesc& dst, CRectangulo rect, TSurfDesc& src, CPunto at) {
       BlitSameDepth<Format>(RowsOf<Format, Format>(dst, rect, src, at), src);
     } else if constexpr (Format::kBytes > 1) {
       if (src.bpp == 8) {
-        const PixelTable table =
-            TableOf(PaletteOrDefault(src), [](uint32_t entry) { return FromEntry<Format>(entry); });
-        ExpandIndexed(Format::kBytes, RowsOf<Format, Indexed8>(dst, rect, src, at), table,
-                      HasKey(src));
+        ExpandIndexed(Format::kBytes, RowsOf<Format, Indexed8>(dst, rect, src, at),
+                      PixelsOfPalette(format, PaletteOrDefault(src)), HasKey(src));
       }
     }
     return true;  // pairs of other depths draw nothing

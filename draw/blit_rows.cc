@@ -1,12 +1,16 @@
 #include "draw/blit_rows.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+
 #include "draw/blit_pixel.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "draw/blit_rows.cc"
 #include "hwy/foreach_target.h"  // must come before highway.h
 #include "hwy/highway.h"
-#include "surface/row_kernels-inl.h"
+#include "surface/pixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pincel {
@@ -31,24 +35,25 @@ struct KeyedCopy {
   }
 };
 
-// 24 bits: planes of blue, green and red.
+// 24 bits: a group of pixels spread over words.
 template <>
 struct KeyedCopy<Rgb888> {
   using Lane = uint8_t;
   static constexpr size_t kDstBytes = 3, kSrcBytes = 3;
-  static constexpr bool kVectorWins = kHaveByteShuffle;
   uint32_t transparent;
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
-    hn::VFromD<D> b, g, r, below_b, below_g, below_r;
-    hn::LoadInterleaved3(d, src, b, g, r);
-    hn::LoadInterleaved3(d, dst, below_b, below_g, below_r);
-    const auto hidden = hn::And(hn::And(hn::Eq(b, hn::Set(d, uint8_t(transparent))),
-                                        hn::Eq(g, hn::Set(d, uint8_t(transparent >> 8)))),
-                                hn::Eq(r, hn::Set(d, uint8_t(transparent >> 16))));
-    hn::StoreInterleaved3(hn::IfThenElse(hidden, below_b, b), hn::IfThenElse(hidden, below_g, g),
-                          hn::IfThenElse(hidden, below_r, r), d, dst);
+    const WordTag<D> d32;
+    const auto visible = [&](auto pixels, auto below) HWY_ATTR {
+      const auto key_bits = hn::And(pixels, hn::Set(d32, kKeyBits<Rgb888>));
+      return hn::IfThenElse(hn::Eq(key_bits, hn::Set(d32, transparent)), below, pixels);
+    };
+    const auto pixels = LoadWords<3>(d, src), below = LoadWords<3>(d, dst);
+    StoreWords<3>(d,
+                  Words<D>{visible(pixels.v0, below.v0), visible(pixels.v1, below.v1),
+                           visible(pixels.v2, below.v2), visible(pixels.v3, below.v3)},
+                  dst);
   }
   HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const {
     CopyUnlessTransparent<Rgb888>(dst, src, transparent);
@@ -68,32 +73,61 @@ void CopyKeyed(int pixel_bytes, const SourceRows& rows, uint32_t transparent) {
   }
 }
 
-// Pixels of 1, 2, 3 or 4 bytes, one behind the other: twelve bytes are whole pixels of each kind.
-// Three vectors from any byte of the first twelve can be stored again and again.
-struct FillPattern {
-  static constexpr size_t kVector = hn::MaxLanes(hn::ScalableTag<uint8_t>());
-  static constexpr size_t kPeriod = 12;
-  uint8_t bytes[kPeriod * (3 * kVector / kPeriod + 2)];
+struct ByteCopy {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
 
-  FillPattern(size_t pixel_bytes, uint32_t pixel) {
-    for (size_t i = 0; i < kPeriod; i += pixel_bytes) std::memcpy(bytes + i, &pixel, pixel_bytes);
-    for (size_t i = kPeriod; i < sizeof(bytes); i += kPeriod) {
-      std::memcpy(bytes + i, bytes, kPeriod);
-    }
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
+    hn::StoreU(hn::LoadU(d, src), d, dst);
+  }
+  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
+};
+
+void CopyShortRows(const SourceRows& bytes) { RepeatableRows(ByteCopy(), bytes); }
+
+// Pixels of 1, 2 or 4 bytes, one behind the other: whatever byte a vector starts with, it is a word
+// over and over.
+struct WordPattern {
+  uint32_t word;
+
+  WordPattern(int pixel_bytes, uint32_t pixel)
+      : word(pixel_bytes == 1   ? (pixel & 0xFF) * 0x01010101
+             : pixel_bytes == 2 ? (pixel & 0xFFFF) * 0x00010001
+                                : pixel) {}
+  // The bytes from byte `at` of the run on.
+  template <class D>
+  HWY_INLINE hn::VFromD<D> From(D d, size_t at) const {
+    const hn::Repartition<uint32_t, D> d32;
+    return hn::BitCast(d, hn::Set(d32, std::rotr(word, int(8 * (at % 4)))));
   }
 };
 
-template <class D>
-HWY_INLINE void FillRow(D d, const FillPattern& pattern, uint8_t* dst, size_t size) {
+// Pixels of 3 bytes: a vector may start with any of them.
+struct TriplePattern {
+  static constexpr size_t kVector = hn::MaxLanes(hn::ScalableTag<uint8_t>());
+  uint8_t bytes[kVector + 12];
+
+  explicit TriplePattern(uint32_t pixel) {
+    for (size_t i = 0; i < 12; i += 3) std::memcpy(bytes + i, &pixel, 3);
+    for (size_t i = 12; i < sizeof(bytes); i += 4) std::memcpy(bytes + i, bytes + i - 12, 4);
+  }
+  template <class D>
+  HWY_INLINE hn::VFromD<D> From(D d, size_t at) const {
+    return hn::LoadU(d, bytes + at % 3);
+  }
+};
+
+template <class D, class Pattern>
+HWY_INLINE void FillRow(D d, const Pattern& pattern, uint8_t* dst, size_t size) {
   constexpr size_t kLanes = hn::MaxLanes(D());
   if (size >= kLanes) {
-    hn::StoreU(hn::LoadU(d, pattern.bytes), d, dst);
+    hn::StoreU(pattern.From(d, 0), d, dst);
     // From here on aligned, so that no store crosses a cache line.
     size_t i = kLanes - reinterpret_cast<uintptr_t>(dst) % kLanes;
-    const uint8_t* const from = pattern.bytes + i % FillPattern::kPeriod;
-    const auto first = hn::LoadU(d, from);
-    const auto second = hn::LoadU(d, from + kLanes);
-    const auto third = hn::LoadU(d, from + 2 * kLanes);
+    const auto first = pattern.From(d, i);
+    const auto second = pattern.From(d, i + kLanes);
+    const auto third = pattern.From(d, i + 2 * kLanes);
     for (; i + 3 * kLanes <= size; i += 3 * kLanes) {
       hn::Store(first, d, dst + i);
       hn::Store(second, d, dst + i + kLanes);
@@ -102,26 +136,36 @@ HWY_INLINE void FillRow(D d, const FillPattern& pattern, uint8_t* dst, size_t si
     if (i + kLanes <= size) hn::Store(first, d, dst + i);
     if (i + 2 * kLanes <= size) hn::Store(second, d, dst + i + kLanes);
     const size_t last = size - kLanes;  // overlaps what is there already
-    hn::StoreU(hn::LoadU(d, pattern.bytes + last % FillPattern::kPeriod), d, dst + last);
+    hn::StoreU(pattern.From(d, last), d, dst + last);
     return;
   }
   if constexpr (kLanes > 4) {
     FillRow(hn::Half<D>(), pattern, dst, size);
   } else {
-    std::memcpy(dst, pattern.bytes, size);
+    hn::StoreN(pattern.From(d, 0), d, dst, size);
   }
 }
 
-void FillRows(int pixel_bytes, const Rows& rows, uint32_t pixel) {
-  const size_t size = rows.width * size_t(pixel_bytes);
-  const FillPattern pattern(size_t(pixel_bytes), pixel);
-  ForEachRow(rows, [&](uint8_t* dst) HWY_ATTR {
-    if constexpr (kHaveVectors) {
-      FillRow(hn::ScalableTag<uint8_t>(), pattern, dst, size);
-    } else {
-      for (size_t i = 0; i < size; ++i) dst[i] = pattern.bytes[i % FillPattern::kPeriod];
-    }
+template <class Pattern>
+HWY_INLINE void FillAll(const Pattern& pattern, const Rows& bytes) {
+  ForEachRow(bytes, [&](uint8_t* dst) HWY_ATTR {
+    FillRow(hn::ScalableTag<uint8_t>(), pattern, dst, bytes.width);
   });
+}
+
+void FillRows(int pixel_bytes, const Rows& rows, uint32_t pixel) {
+  Rows bytes = rows;
+  bytes.width *= size_t(pixel_bytes);
+  if constexpr (kHaveVectors) {
+    if (pixel_bytes == 3) return FillAll(TriplePattern(pixel), bytes);
+    FillAll(WordPattern(pixel_bytes, pixel), bytes);
+  } else {
+    ForEachRow(bytes, [&](uint8_t* dst) {
+      for (size_t i = 0; i < bytes.width; i += size_t(pixel_bytes)) {
+        std::memcpy(dst + i, &pixel, size_t(pixel_bytes));
+      }
+    });
+  }
 }
 
 }  // namespace HWY_NAMESPACE
@@ -132,10 +176,32 @@ HWY_AFTER_NAMESPACE();
 namespace pincel {
 
 HWY_EXPORT(CopyKeyed);
+HWY_EXPORT(CopyShortRows);
 HWY_EXPORT(FillRows);
 
 void CopyKeyed(int pixel_bytes, const SourceRows& rows, uint32_t transparent) {
   HWY_DYNAMIC_DISPATCH(CopyKeyed)(pixel_bytes, rows, transparent);
+}
+
+void CopyBytes(size_t row_bytes, const SourceRows& rows) {
+  // Rows too short for a call of memmove each, unless the two areas meet.
+  constexpr size_t kShortRow = 512;
+  const auto first_byte = [&](const uint8_t* p, ptrdiff_t pitch) {
+    return reinterpret_cast<uintptr_t>(p) + uintptr_t(std::min<ptrdiff_t>(pitch, 0)) * rows.height;
+  };
+  const auto extent = [&](ptrdiff_t pitch) {
+    return uintptr_t(std::abs(pitch)) * rows.height + row_bytes;
+  };
+  const uintptr_t dst = first_byte(rows.dst, rows.dst_pitch);
+  const uintptr_t src = first_byte(rows.src, rows.src_pitch);
+  const bool apart = dst + extent(rows.dst_pitch) <= src || src + extent(rows.src_pitch) <= dst;
+  if (row_bytes <= kShortRow && rows.height > 1 && apart) {
+    SourceRows bytes = rows;
+    bytes.width = row_bytes;
+    HWY_DYNAMIC_DISPATCH(CopyShortRows)(bytes);
+  } else {
+    ForEachRow(rows, [row_bytes](uint8_t* d, const uint8_t* s) { std::memmove(d, s, row_bytes); });
+  }
 }
 
 namespace {

@@ -77,7 +77,7 @@ void MixFieldsAtLevel(int format, const MaskedRows& rows, unsigned level, bool p
 template <class Format, class Body>
 void WithSource(const TSurfDesc& src, Body&& body) {
   if (src.bpp == 8) {
-    const PixelTable table = SourceTable<Format>(src);
+    const PixelTable table = PixelsOfPalette(Format(), PaletteOrDefault(src));
     body(&table);
   } else {
     body(nullptr);

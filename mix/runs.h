@@ -15,15 +15,6 @@ namespace pincel {
 // Pixels of a piece. A multiple of four: pieces do not break groups, and a row ends once.
 constexpr size_t kPieceWidth = 512;
 
-// An entry of a palette, as a word 0xXXRRGGBB, in the layout of a destination: alpha bits of 16-bit
-// layouts 0, at 32 bits the whole entry.
-template <class Format>
-PixelTable SourceTable(const TSurfDesc& src) {
-  return TableOf(PaletteOrDefault(src), [](uint32_t entry) -> uint32_t {
-    return Format::kBytes == 4 ? entry : Format::Pack(ToBgr(entry));
-  });
-}
-
 // Calls `body(rows, x)` for all rows (x 0) or for pieces of them that start at column x. `table` is null for a source in the
 // destination's layout, else the pixels of an 8-bit source. Each mask byte is the first of
 // `mask_bytes`; there may be no mask.

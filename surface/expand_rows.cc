@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "surface/expand_rows.cc"
 #include "hwy/foreach_target.h"  // must come before highway.h
 #include "hwy/highway.h"
+#include "surface/moved_fields-inl.h"
 #include "surface/pixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -199,6 +200,19 @@ HWY_INLINE void ExpandDepth(int pixel_bytes, const SourceRows& rows, const Pixel
   }
 }
 
+template <class Format>
+void PackTable(PixelTable& table) {
+  using Packing = MovedFields<Format, ByteFields>;
+  if constexpr (kHaveVectors) {
+    const hn::ScalableTag<uint32_t> d;
+    for (size_t i = 0; i < 256; i += hn::MaxLanes(d)) {
+      hn::StoreU(MovedFieldsOf<Packing>(d, hn::LoadU(d, table.pixel + i)), d, table.pixel + i);
+    }
+  } else {
+    for (uint32_t& word : table.pixel) word = Packing::Of(word);
+  }
+}
+
 void ExpandIndexed(int pixel_bytes, const SourceRows& rows, const PixelTable& table,
                    bool skip_index_0) {
   if (skip_index_0) {
@@ -216,6 +230,33 @@ HWY_AFTER_NAMESPACE();
 namespace pincel {
 
 HWY_EXPORT(ExpandIndexed);
+HWY_EXPORT_T(PackTable565, PackTable<Rgb565>);
+HWY_EXPORT_T(PackTable555, PackTable<Rgb555>);
+HWY_EXPORT_T(PackTable4444, PackTable<Argb4444>);
+
+PixelTable PixelsOfPalette(Argb8888, const TRGBA* palette) {
+  PixelTable table;
+  std::memcpy(table.pixel, palette, sizeof(table.pixel));
+  return table;
+}
+PixelTable PixelsOfPalette(Rgb888, const TRGBA* palette) {
+  return PixelsOfPalette(Argb8888(), palette);  // the top byte is not stored
+}
+PixelTable PixelsOfPalette(Rgb565, const TRGBA* palette) {
+  PixelTable table = PixelsOfPalette(Argb8888(), palette);
+  HWY_DYNAMIC_DISPATCH_T(PackTable565)(table);
+  return table;
+}
+PixelTable PixelsOfPalette(Rgb555, const TRGBA* palette) {
+  PixelTable table = PixelsOfPalette(Argb8888(), palette);
+  HWY_DYNAMIC_DISPATCH_T(PackTable555)(table);
+  return table;
+}
+PixelTable PixelsOfPalette(Argb4444, const TRGBA* palette) {
+  PixelTable table = PixelsOfPalette(Argb8888(), palette);
+  HWY_DYNAMIC_DISPATCH_T(PackTable4444)(table);
+  return table;
+}
 
 void ExpandIndexed(int pixel_bytes, const SourceRows& rows, const PixelTable& table,
                    bool skip_index_0) {

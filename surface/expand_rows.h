@@ -20,6 +20,14 @@ PixelTable TableOf(const TRGBA* palette, Pixel&& pixel) {
   return table;
 }
 
+// The colours of a palette as pixels of a format: alpha bits of 16-bit formats are 0, at 32 bits the
+// whole entry is the pixel.
+PixelTable PixelsOfPalette(Rgb888, const TRGBA* palette);
+PixelTable PixelsOfPalette(Argb8888, const TRGBA* palette);
+PixelTable PixelsOfPalette(Rgb565, const TRGBA* palette);
+PixelTable PixelsOfPalette(Rgb555, const TRGBA* palette);
+PixelTable PixelsOfPalette(Argb4444, const TRGBA* palette);
+
 // Stores the lowest `pixel_bytes` bytes (1 to 4) of each source index' table entry; leaves out the
 // pixels of index 0 when asked to.
 void ExpandIndexed(int pixel_bytes, const SourceRows& rows, const PixelTable& table,
