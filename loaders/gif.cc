@@ -95,7 +95,9 @@ bool ReadFrame(ByteReader& file, Frame& frame) {
 // Goes behind a chain of sub-blocks; calls `block(index, bytes, length)` for each complete one.
 template <class Block>
 void ReadSubBlocks(ByteReader& file, Block&& block) {
-  for (int index = 0; const size_t length = file.Byte(); ++index) {
+  for (int index = 0;; ++index) {
+    const size_t length = file.Byte();
+    if (length == 0) return;
     if (const uint8_t* const bytes = file.Bytes(length)) block(index, bytes, length);
   }
 }
@@ -181,6 +183,10 @@ uint32_t DecodePacked(CQXGIF& gif, RAW* record, size_t room) {
   gif.cursor = const_cast<uint8_t*>(file.At());
   if (!frame.HasBitsFrom(2, 9)) return 5;
 
+  if (!frame.interlaced &&
+      frame.width > 0) {  // rows for which there is no room need not be decoded
+    frame.height = uint32_t(std::min<size_t>(frame.height, room / frame.width + 1));
+  }
   uint8_t* const output = record->output;
   FrameRows rows(frame, [=](uint32_t x, uint32_t y, const uint8_t* indices, size_t count) {
     const size_t at = size_t{y} * frame.width + x;

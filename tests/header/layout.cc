@@ -32,7 +32,26 @@ SAME(offsetof(TSurfDesc, bMask) == 20);
 SAME(offsetof(TSurfDesc, aMask) == 24);
 SAME(offsetof(TSurfDesc, colorKey) == 28);
 SAME(offsetof(TSurfDesc, pitch) == 32);
+
+SAME(offsetof(RAW, width) == 0);
+SAME(offsetof(RAW, height) == 4);
+SAME(offsetof(RAW, readPalette) == 8);
+SAME(offsetof(RAW, reserved) == 12);
+SAME(offsetof(RAW, palette) == 16);
+SAME(offsetof(RAW, output) == 1040);
+SAME(offsetof(CQXGIF, cursor) == 0);
+SAME(sizeof(pincel_status) == 4);
 #if UINTPTR_MAX == 0xFFFFFFFF
+SAME(sizeof(RAW) == 1044);
+SAME(offsetof(CQXGIF, blockPos) == 4);
+SAME(offsetof(CQXGIF, codeSize) == 8);
+SAME(offsetof(CQXGIF, endCode) == 12);
+SAME(offsetof(CQXGIF, blockLeft) == 16);
+SAME(offsetof(CQXGIF, bitCount) == 20);
+SAME(offsetof(CQXGIF, bitByte) == 24);
+SAME(sizeof(CQXGIF) == 28);
+SAME(offsetof(TGifFrame, area) == 4);
+SAME(sizeof(TGifFrame) == 36);
 SAME(offsetof(TSurfDesc, pixels) == 36);
 SAME(offsetof(TSurfDesc, palette) == 40);
 SAME(sizeof(TSurfDesc) == 44);
