@@ -16,23 +16,17 @@ bool BlendSource(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, const T
     using Format = decltype(format);
     if (!PointInSurface(src, at)) return false;
     if (!ClipRectPoint(dst, rect, at)) return false;
-    BlendRows(format, mode,
-              Joined(RowsOf<Format, Format>(dst, rect, src, at), Format::kBytes, Format::kBytes),
+    BlendRows(format, mode, RowsOf<Format, Format>(dst, rect, src, at),
               TransparentValue<Format>(src));
     return true;
   });
 }
 
-// Rows of three surfaces without anything between them become one, as Joined does for two.
+// The mask byte of each pixel follows that of its neighbour, the source's pixels stand `src_step`
+// bytes apart.
 template <class Format>
-void JoinAndBlend(Format format, BlendMode mode, MaskedRows rows, size_t src_step) {
-  if (rows.dst_pitch == ptrdiff_t(rows.width * Format::kBytes) &&
-      rows.src_pitch == ptrdiff_t(rows.width * src_step) &&
-      rows.mask_pitch == ptrdiff_t(rows.width)) {
-    rows.width *= rows.height;
-    rows.height = 1;
-  }
-  BlendMaskedRows(format, mode, rows, src_step);
+void BlendMasked(Format format, BlendMode mode, const MaskedRows& rows, size_t src_step) {
+  BlendMaskedRows(format, mode, Joined(rows, Format::kBytes, src_step, 1), src_step);
 }
 
 // A colour 0xAARRGGBB as the format stores it.
@@ -54,7 +48,7 @@ bool BlendColour(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, uint32_
       Format::Store(pixels + i, typename Format::Word(StoredColour<Format>(colour)));
     }
     const SourceRows rows = RowsOf<Format, Indexed8>(dst, rect, mask, mask_at);
-    JoinAndBlend(format, mode, {{rows, pixels, 0}, rows.src, rows.src_pitch}, 0);
+    BlendMasked(format, mode, {{rows, pixels, 0}, rows.src, rows.src_pitch}, 0);
     return true;
   });
 }
@@ -65,9 +59,9 @@ bool BlendMaskedSource(BlendMode mode, const TSurfDesc& dst, CRectangulo rect, c
   return Dispatch(DirectColour{}, dst, false, [&](auto format) {
     using Format = decltype(format);
     if (!ClipRectTwoPoints(dst, rect, src_at, mask_at)) return false;
-    JoinAndBlend(format, mode,
-                 RowsOf<Format, Format, Indexed8>(dst, rect, src, src_at, mask, mask_at),
-                 Format::kBytes);
+    BlendMasked(format, mode,
+                RowsOf<Format, Format, Indexed8>(dst, rect, src, src_at, mask, mask_at),
+                Format::kBytes);
     return true;
   });
 }

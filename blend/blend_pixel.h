@@ -125,15 +125,11 @@ constexpr uint32_t Interpolated(Format format, uint32_t dst, uint32_t src, int m
   return result;
 }
 
-// The bits of a source pixel that are compared with the colour key: the top byte never counts.
-template <class Format>
-constexpr uint32_t kComparedBits = Format::kBytes == 2 ? 0x0000FFFF : 0x00FFFFFF;
-
 // The value of transparent pixels. A source without a key treats 0 as transparent: black changes
 // nothing, not even when multiplied. Intended.
 template <class Format>
 constexpr uint32_t TransparentValue(const TSurfDesc& src) {
-  return HasKey(src) ? src.colorKey & kComparedBits<Format> : 0;
+  return HasKey(src) ? src.colorKey & kKeyBits<Format> : 0;
 }
 
 // One pixel in memory: its blend, unless the source pixel is transparent ...
@@ -141,7 +137,7 @@ template <class Format, class Formula>
 void BlendPixel(uint8_t* out, const uint8_t* dst, const uint8_t* src, uint32_t transparent) {
   using Word = typename Format::Word;
   const Word d = Format::Load(dst), s = Format::Load(src);
-  const bool hidden = (s & kComparedBits<Format>) == transparent;
+  const bool hidden = (s & kKeyBits<Format>) == transparent;
   Format::Store(out, hidden ? d : Word(Blended<Formula>(Format(), d, s)));
 }
 

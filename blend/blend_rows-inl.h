@@ -15,17 +15,6 @@ namespace HWY_NAMESPACE {
 template <class D8>
 using Wide = hn::RepartitionToWide<D8>;
 
-// Loads pixels once. Left to itself, GCC repeats the load for every use, which costs up to a third of
-// the speed (multiply at 32 bits, 2048 x 2048 pixels).
-template <class D>
-HWY_INLINE hn::VFromD<D> LoadPixels(D d, const uint8_t* p) {
-  auto v = hn::LoadU(d, reinterpret_cast<const hn::TFromD<D>*>(p));
-#if HWY_COMPILER_GCC_ACTUAL && HWY_ARCH_X86
-  if constexpr (kHaveVectors) asm("" : "+v"(v.raw));
-#endif
-  return v;
-}
-
 // 255 in every byte that is 128 or more, else 0.
 template <class D8, class V = hn::VFromD<D8>>
 HWY_INLINE V BytesAbove127(D8 d8, V v) {

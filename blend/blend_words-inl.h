@@ -31,7 +31,7 @@ HWY_INLINE V BlendWords(D d, V dst, V src) {
 
 template <class Format, class Formula, class D, class V = hn::VFromD<D>>
 HWY_INLINE V BlendVisibleWords(D d, V dst, V src, uint32_t transparent) {
-  const V compared = hn::And(src, hn::Set(d, kComparedBits<Format>));
+  const V compared = hn::And(src, hn::Set(d, kKeyBits<Format>));
   return hn::IfThenElse(hn::Eq(compared, hn::Set(d, transparent)), dst,
                         BlendWords<Format, Formula>(d, dst, src));
 }

@@ -6,12 +6,6 @@
 
 namespace pincel {
 
-// The bits of a pixel that are compared with the colour key: the top byte of 32 bits never counts.
-template <class Format>
-constexpr uint32_t kKeyBits = Format::kBytes >= 3   ? 0x00FFFFFF
-                              : Format::kBytes == 2 ? 0x0000FFFF
-                                                    : 0x000000FF;
-
 // The value that transparent pixels of a keyed source have. Indexed sources ignore the key's value:
 // index 0 is the transparent one. Intended.
 template <class Format>

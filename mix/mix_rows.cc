@@ -33,19 +33,29 @@ HWY_INLINE hn::VFromD<D8> MixBytes(D8 d8, hn::VFromD<D8> dst, hn::VFromD<D8> src
   return hn::BitCast(d8, hn::Or(hn::ShiftRight<8>(even), hn::And(odd, high)));
 }
 
-// Scaled mask bytes in lanes of 16 bits.
-template <class D16, class V16 = hn::VFromD<D16>>
-HWY_INLINE V16 ScaledBytes(D16 d16, V16 bytes, MaskRule rule) {
-  // Only the low 16 bits of the product matter.
-  return hn::ShiftRight<8>(hn::Mul(bytes, hn::Set(d16, uint16_t(rule.level))));
-}
-template <class D16, class V16 = hn::VFromD<D16>>
-HWY_INLINE V16 ByteWeights(D16 d16, V16 bytes, MaskRule rule) {
-  const auto scaled = ScaledBytes(d16, bytes, rule);
-  const auto between = hn::Add(scaled, hn::Set(d16, uint16_t(rule.added)));
-  const auto full = hn::Eq(scaled, hn::Set(d16, 255));
-  return hn::IfThenElse(full, hn::Set(d16, 256),
-                        hn::IfThenZeroElse(hn::Eq(scaled, hn::Zero(d16)), between));
+// A MaskRule that leaves the bytes as they are and, for byte formats, adds one; and any other.
+template <bool scales>
+struct Rule : MaskRule {
+  // Mask bytes in lanes of 16 bits.
+  template <class D16, class V16 = hn::VFromD<D16>>
+  HWY_INLINE V16 ScaledBytes(D16 d16, V16 bytes) const {
+    if constexpr (!scales) return bytes;
+    // Only the low 16 bits of the product matter.
+    return hn::ShiftRight<8>(hn::Mul(bytes, hn::Set(d16, uint16_t(level))));
+  }
+  // ByteWeight for the two kinds of rules that byte formats have: one is added to unscaled bytes,
+  // nothing to scaled ones.
+  template <class D16, class V16 = hn::VFromD<D16>>
+  HWY_INLINE V16 ByteWeights(D16 d16, V16 bytes) const {
+    if constexpr (!scales) return hn::Add(bytes, hn::Min(bytes, hn::Set(d16, 1)));
+    const auto scaled = ScaledBytes(d16, bytes);
+    return hn::Sub(scaled, hn::VecFromMask(d16, hn::Eq(scaled, hn::Set(d16, 255))));
+  }
+};
+template <class Body>
+HWY_INLINE void WithRule(int format, MaskRule rule, Body&& body) {
+  const bool scales = rule.level != 256 || (format >= 24 && rule.added == 0);
+  scales ? body(Rule<true>{rule}) : body(Rule<false>{rule});
 }
 
 template <class F, class D16, class V16 = hn::VFromD<D16>>
@@ -81,7 +91,7 @@ struct MixByteKernel {
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
     const auto w = hn::Set(hn::Repartition<uint16_t, D>(), uint16_t(weight));
-    hn::StoreU(MixBytes(d, hn::LoadU(d, dst), hn::LoadU(d, src), w, w), d, out);
+    hn::StoreU(MixBytes(d, LoadPixels(d, dst), LoadPixels(d, src), w, w), d, out);
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
     *out = MixByte(*dst, *src, weight);
@@ -97,8 +107,7 @@ struct MixFieldKernel {
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
     const auto w = hn::Set(d, uint16_t(weight));
-    const auto mixed =
-        MixFieldsOf<Format>(d, hn::LoadU(d, As<Lane>(dst)), hn::LoadU(d, As<Lane>(src)), w, w, w);
+    const auto mixed = MixFieldsOf<Format>(d, LoadPixels(d, dst), LoadPixels(d, src), w, w, w);
     hn::StoreU(mixed, d, As<Lane>(out));
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
@@ -132,8 +141,8 @@ struct MixByteQuartersKernel {
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
     const hn::Repartition<uint32_t, D> d32;
     const auto mixed =
-        MixQuartersOf<quarters>(d32, hn::BitCast(d32, hn::LoadU(d, dst)),
-                                hn::BitCast(d32, hn::LoadU(d, src)), kHalf, kQuarter);
+        MixQuartersOf<quarters>(d32, hn::BitCast(d32, LoadPixels(d, dst)),
+                                hn::BitCast(d32, LoadPixels(d, src)), kHalf, kQuarter);
     hn::StoreU(hn::BitCast(d, mixed), d, out);
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
@@ -156,7 +165,7 @@ struct MixFieldQuartersKernel {
   }
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
-    const auto to = hn::LoadU(d, As<Lane>(dst)), from = hn::LoadU(d, As<Lane>(src));
+    const auto to = LoadPixels(d, dst), from = LoadPixels(d, src);
     if constexpr (form == Quarters::kInGroup) {
       using Blue = typename Format::Blue;
       const auto blue = MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfField<Blue>),
@@ -183,10 +192,11 @@ struct MixFieldQuartersKernel {
   }
 };
 
+template <class Rule>
 struct MixMaskedKernel32 {
   using Lane = uint32_t;
   static constexpr size_t kDstBytes = 4, kSrcBytes = 4, kMaskBytes = 1;
-  MaskRule rule;
+  Rule rule;
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
@@ -195,8 +205,8 @@ struct MixMaskedKernel32 {
     const hn::Repartition<uint16_t, D> d16;
     const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
     const auto pairs = hn::BitCast(d16, hn::Or(bytes, hn::ShiftLeft<16>(bytes)));
-    const auto weights = ByteWeights(d16, pairs, rule);
-    hn::StoreU(MixBytes(d8, hn::LoadU(d8, dst), hn::LoadU(d8, src), weights, weights), d8, out);
+    const auto weights = rule.ByteWeights(d16, pairs);
+    hn::StoreU(MixBytes(d8, LoadPixels(d8, dst), LoadPixels(d8, src), weights, weights), d8, out);
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
                         const uint8_t* mask) const {
@@ -205,11 +215,12 @@ struct MixMaskedKernel32 {
   }
 };
 
+template <class Rule>
 struct MixMaskedKernel24 {
   using Lane = uint8_t;
   static constexpr size_t kDstBytes = 3, kSrcBytes = 3, kMaskBytes = 1;
   static constexpr bool kVectorWins = kHaveByteShuffle;
-  MaskRule rule;
+  Rule rule;
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
@@ -221,9 +232,10 @@ struct MixMaskedKernel24 {
     hn::StoreInterleaved3(once, once, once, d, three_times);
     for (size_t i = 0; i < 3 * kLanes; i += kLanes) {
       const auto bytes = hn::BitCast(d16, hn::LoadU(d, three_times + i));
-      const auto even = ByteWeights(d16, hn::And(bytes, hn::Set(d16, 255)), rule);
-      const auto odd = ByteWeights(d16, hn::ShiftRight<8>(bytes), rule);
-      hn::StoreU(MixBytes(d, hn::LoadU(d, dst + i), hn::LoadU(d, src + i), even, odd), d, out + i);
+      const auto even = rule.ByteWeights(d16, hn::And(bytes, hn::Set(d16, 255)));
+      const auto odd = rule.ByteWeights(d16, hn::ShiftRight<8>(bytes));
+      hn::StoreU(MixBytes(d, LoadPixels(d, dst + i), LoadPixels(d, src + i), even, odd), d,
+                 out + i);
     }
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
@@ -233,18 +245,18 @@ struct MixMaskedKernel24 {
   }
 };
 
-template <class Format>
+template <class Format, class Rule>
 struct MixMaskedFieldKernel {
   using Lane = uint16_t;
   static constexpr size_t kDstBytes = 2, kSrcBytes = 2, kMaskBytes = 1;
-  MaskRule rule;
+  Rule rule;
 
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
                          const uint8_t* mask) const {
-    const auto to = hn::LoadU(d, As<Lane>(dst)), from = hn::LoadU(d, As<Lane>(src));
+    const auto to = LoadPixels(d, dst), from = LoadPixels(d, src);
     const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
-    const auto scaled = ScaledBytes(d, bytes, rule);
+    const auto scaled = rule.ScaledBytes(d, bytes);
     const auto weight = hn::Add(scaled, hn::Set(d, uint16_t(rule.added)));
     const auto mixed = MixFieldsOf<Format>(d, to, from, weight, weight, weight);
     const auto copied = hn::IfThenElse(hn::Eq(scaled, hn::Set(d, 255)), from, mixed);
@@ -257,19 +269,19 @@ struct MixMaskedFieldKernel {
 };
 
 // A "pixel" of this kernel is a group of four.
-template <class Format>
+template <class Format, class Rule>
 struct MixMaskedGroupKernel {
   using Lane = uint64_t;
   static constexpr size_t kDstBytes = 8, kSrcBytes = 8, kMaskBytes = 4;
-  MaskRule rule;
+  Rule rule;
 
   template <class D>
   HWY_INLINE void Vector(D d64, uint8_t* out, const uint8_t* dst, const uint8_t* src,
                          const uint8_t* mask) const {
     const hn::Repartition<uint16_t, D> d;
-    const auto to = hn::LoadU(d, As<uint16_t>(dst)), from = hn::LoadU(d, As<uint16_t>(src));
+    const auto to = LoadPixels(d, dst), from = LoadPixels(d, src);
     const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, decltype(d)>(), mask));
-    const auto scaled = ScaledBytes(d, bytes, rule);
+    const auto scaled = rule.ScaledBytes(d, bytes);
     const auto mixed = MixFieldsOf<Format>(d, to, from, scaled, scaled, scaled);
     const auto four_full = hn::BitCast(
         d,
@@ -299,7 +311,7 @@ struct FadeByteKernel {
                          const uint8_t* weights) const {
     const hn::Repartition<uint16_t, D> d16;
     const auto w = hn::BitCast(d16, hn::LoadU(d, weights));
-    hn::StoreU(MixBytes(d, hn::LoadU(d, dst), hn::LoadU(d, src), hn::And(w, hn::Set(d16, 255)),
+    hn::StoreU(MixBytes(d, LoadPixels(d, dst), LoadPixels(d, src), hn::And(w, hn::Set(d16, 255)),
                         hn::ShiftRight<8>(w)),
                d, out);
   }
@@ -321,8 +333,8 @@ struct FadeFieldKernel {
     hn::VFromD<decltype(d8)> blue, green, red, unused;
     hn::LoadInterleaved4(d8, weights, blue, green, red, unused);
     const auto mixed =
-        MixFieldsOf<Format>(d, hn::LoadU(d, As<Lane>(dst)), hn::LoadU(d, As<Lane>(src)),
-                            hn::PromoteTo(d, blue), hn::PromoteTo(d, green), hn::PromoteTo(d, red));
+        MixFieldsOf<Format>(d, LoadPixels(d, dst), LoadPixels(d, src), hn::PromoteTo(d, blue),
+                            hn::PromoteTo(d, green), hn::PromoteTo(d, red));
     hn::StoreU(mixed, d, As<Lane>(out));
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
@@ -384,18 +396,25 @@ void MixFieldQuarters(int format, Quarters form, const SourceRows& rows, int qua
   });
 }
 
-void MixRowsMasked(int format, const MaskedRows& rows, MaskRule rule) {
-  if (format == 32) return OnceRows(MixMaskedKernel32{rule}, rows);
-  if (format == 24) return OnceRows(MixMaskedKernel24{rule}, rows);
-  WithFields(format,
-             [&](auto f) HWY_ATTR { OnceRows(MixMaskedFieldKernel<decltype(f)>{rule}, rows); });
+void MixRowsMasked(int format, const MaskedRows& rows, MaskRule mask_rule) {
+  WithRule(format, mask_rule, [&](auto rule) HWY_ATTR {
+    using Rule = decltype(rule);
+    if (format == 32) return OnceRows(MixMaskedKernel32<Rule>{rule}, rows);
+    if (format == 24) return OnceRows(MixMaskedKernel24<Rule>{rule}, rows);
+    WithFields(format, [&](auto f) HWY_ATTR {
+      OnceRows(MixMaskedFieldKernel<decltype(f), Rule>{rule}, rows);
+    });
+  });
 }
 
-void MixGroupsMasked(int format, const MaskedRows& rows, MaskRule rule) {
+void MixGroupsMasked(int format, const MaskedRows& rows, MaskRule mask_rule) {
   MaskedRows groups = rows;
   groups.width /= 4;
-  WithFields(format,
-             [&](auto f) HWY_ATTR { OnceRows(MixMaskedGroupKernel<decltype(f)>{rule}, groups); });
+  WithRule(format, mask_rule, [&](auto rule) HWY_ATTR {
+    WithFields(format, [&](auto f) HWY_ATTR {
+      OnceRows(MixMaskedGroupKernel<decltype(f), decltype(rule)>{rule}, groups);
+    });
+  });
 }
 
 void FadeByteRows(const MaskedRows& bytes) { OnceRows(FadeByteKernel(), bytes); }

@@ -137,6 +137,12 @@ concept PackedFields = requires {
   typename Format::Green;
 };
 
+// The bits of a pixel that are compared with the colour key: the top byte of 32 bits never counts.
+template <class Format>
+constexpr uint32_t kKeyBits = Format::kBytes >= 3   ? 0x00FFFFFF
+                              : Format::kBytes == 2 ? 0x0000FFFF
+                                                    : 0x000000FF;
+
 static_assert(Rgb565::Pack({0xFF, 0xFF, 0xFF}) == 0xFFFF && Rgb565::Pack({7, 3, 7}) == 0);
 static_assert(Rgb555::Pack({0xFF, 0xFF, 0xFF}) == 0x7FFF);
 static_assert(Argb4444::Pack({0x12, 0x34, 0x56}) == 0x0531);

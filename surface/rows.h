@@ -89,6 +89,13 @@ inline SourceRows Joined(SourceRows rows, size_t dst_bytes, size_t src_bytes) {
   return rows;
 }
 
+inline MaskedRows Joined(MaskedRows rows, size_t dst_bytes, size_t src_bytes, size_t mask_bytes) {
+  if (rows.mask_pitch == ptrdiff_t(rows.width * mask_bytes)) {
+    static_cast<SourceRows&>(rows) = Joined(SourceRows(rows), dst_bytes, src_bytes);
+  }
+  return rows;
+}
+
 }  // namespace pincel
 
 #endif  // SURFACE_ROWS_H_
