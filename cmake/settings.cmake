@@ -49,8 +49,9 @@ endif()
 set(PINCEL_LEFT_OUT_TARGETS HWY_SSSE3 HWY_AVX3_ZEN4 HWY_AVX3_SPR CACHE STRING
   "Instruction sets that no kernel is compiled for, as Highway calls them")
 list(JOIN PINCEL_LEFT_OUT_TARGETS "|" left_out)
+# The resource compiler cannot read such a definition.
 target_compile_definitions(pincel_settings INTERFACE
-  HWY_WANT_AVX3_DL "HWY_DISABLED_TARGETS=(${left_out})")
+  HWY_WANT_AVX3_DL "$<$<COMPILE_LANGUAGE:CXX>:HWY_DISABLED_TARGETS=(${left_out})>")
 if(PINCEL_ALL_TARGETS)
   target_compile_definitions(pincel_settings INTERFACE HWY_COMPILE_ALL_ATTAINABLE)
 endif()

@@ -109,7 +109,7 @@ enum class RunLengthEnd { kComplete, kMovedOutside, kDataEnded };
 void UnpackIndices(uint8_t* dst, const uint8_t* src, size_t count, unsigned bits) {
   for (size_t i = 0; i < count; ++i) {
     const size_t bit = i * bits;
-    dst[i] = uint8_t(src[bit / 8] << bit % 8) >> (8 - bits);
+    dst[i] = uint8_t(uint8_t(src[bit / 8] << bit % 8) >> (8 - bits));
   }
 }
 
