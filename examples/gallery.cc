@@ -1,5 +1,6 @@
 #include "gallery.h"
 
+#include <algorithm>
 #include <type_traits>
 
 namespace {
@@ -49,6 +50,65 @@ HostSurface Swatches(const TRGBA (&palette)[256]) {
   return square;
 }
 
+// A grey picture of the canvas's size: what masks and alpha surfaces are.
+template <class Value>
+HostSurface Mask(Value value) {
+  HostSurface mask(Format::k8, 100, 75);
+  CreateGreyPal(mask.Palette());
+  for (int y = 0; y < mask.height; ++y) {
+    for (int x = 0; x < mask.width; ++x) SetPixel(mask, x, y, uint32_t(value(x, y)));
+  }
+  return mask;
+}
+
+// 255 inside, falling to 0 towards the corners.
+HostSurface SoftDisc() {
+  return Mask([](int x, int y) {
+    const int dx = 4 * (x - 50), dy = 5 * (y - 37);
+    return std::clamp((40000 - dx * dx - dy * dy) / 120, 0, 255);
+  });
+}
+
+// 128, with a field from 0 at its left to 255 at its right.
+HostSurface RampField() {
+  return Mask([](int x, int y) {
+    return x < 10 || x >= 90 || y < 10 || y >= 65 ? 128 : (x - 10) * 255 / 79;
+  });
+}
+
+// A colour as it is stored in such a surface; on 8-bit surfaces the true colour.
+uint32_t Packed(const HostSurface& surface, uint32_t rgb) {
+  if (surface.bpp == 8) return rgb;
+  HostSurface one(surface.format(), 1, 1);
+  IdxFillRect(one, one.Bounds(), 0xFF000000 | rgb);
+  return one.Stored(0, 0);
+}
+
+using Table = unsigned char (*)[65536];
+
+// While it lives, lu_gPaleta is the palette of a surface, and there is a table for it: what mixing
+// on 8-bit surfaces needs.
+class MixPalette {
+ public:
+  MixPalette(const HostSurface& surface, bool dither) : table_(2) {
+    std::copy_n(lu_gPaleta, 256, saved_);
+    if (surface.bpp != 8) return;
+    std::copy_n(surface.palette, 256, lu_gPaleta);
+    pincel_build_mix_table(table(), lu_gPaleta, dither);
+  }
+  MixPalette(const MixPalette&) = delete;
+  MixPalette& operator=(const MixPalette&) = delete;
+  ~MixPalette() { std::copy_n(saved_, 256, lu_gPaleta); }
+  Table table() { return reinterpret_cast<Table>(table_.data()); }
+
+ private:
+  struct Plane {
+    unsigned char index[65536];
+  };
+  std::vector<Plane> table_;
+  TRGBA saved_[256];
+};
+
 std::string Text(bool value) { return value ? "true" : "false"; }
 
 using Source = HostSurface Stage::*;
@@ -97,6 +157,105 @@ template <class Body>
 auto OnPhoto(std::vector<Source> sources, Body body) {
   return InEveryFormat(
       std::move(sources), [](Stage&) {}, body);
+}
+
+// OnPhoto for operations that take a table. `given` are inputs besides the sources.
+template <class Body>
+auto OnMix(std::vector<Source> sources, std::vector<Shown> given, Body body) {
+  const auto render = OnPhoto(std::move(sources), [body](Stage& s) {
+    MixPalette palette(s.canvas, false);
+    return body(s, palette.table());
+  });
+  return [=](const Assets& assets) {
+    Rendering rendering = render(assets);
+    rendering.inputs.insert(rendering.inputs.end(), given.begin(), given.end());
+    return rendering;
+  };
+}
+
+// The same drawing on 8 bits alone, with the nearest colours and with dithered ones.
+template <class Body>
+auto OnIndexed(std::vector<Source> sources, std::vector<Shown> given, Body body) {
+  return [=](const Assets& assets) {
+    Rendering rendering;
+    Stage inputs(assets, Format::k8);
+    rendering.inputs.push_back({"canvas before", inputs.canvas, {}});
+    for (const NamedSource& named : kSources) {
+      if (std::count(sources.begin(), sources.end(), named.source) != 0) {
+        rendering.inputs.push_back({named.caption, inputs.*named.source, {}});
+      }
+    }
+    rendering.inputs.insert(rendering.inputs.end(), given.begin(), given.end());
+    for (const bool coarse : {false, true}) {
+      for (const bool dither : {false, true}) {
+        Stage stage(assets, Format::k8);
+        if (coarse) {
+          HostSurface cube(Format::k8, 1, 1);
+          CreateModelPal(cube.Palette());
+          for (Source source : {&Stage::canvas, &Stage::tree, &Stage::hippo, &Stage::chart}) {
+            stage.*source = Redrawn(stage.*source, cube);
+          }
+        }
+        MixPalette palette(stage.canvas, dither);
+        body(stage, palette.table());
+        rendering.results.push_back({std::string(coarse ? "model palette" : "own palette") +
+                                         (dither ? ", dithered" : ", nearest"),
+                                     stage.canvas,
+                                     {}});
+      }
+    }
+    return rendering;
+  };
+}
+
+using BlendMode = bool (*)(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&);
+using BlendColour = bool (*)(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&,
+                             CPunto const&);
+using BlendMasked = bool (*)(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+                             CPunto const&);
+
+struct NamedMode {
+  const char* name;
+  BlendMode source;
+  BlendColour colour;
+  BlendMasked masked;
+};
+constexpr NamedMode kModes[] = {
+    {"add", DoSuma, DoSuma, DoSuma},
+    {"subtract", DoResta, DoResta, DoResta},
+    {"multiply", DoMultiplica, DoMultiplica, DoMultiplica},
+    {"screen", DoScreen, DoScreen, DoScreen},
+    {"lighten", DoLighten, DoLighten, DoLighten},
+    {"darken", DoDarken, DoDarken, DoDarken},
+    {"overlay", DoSuperponer, DoSuperponer, DoSuperponer},
+};
+
+// A picture as large as the canvas: the chart, with its lower rows once more below it.
+HostSurface Backdrop(Stage& s) {
+  HostSurface picture(s.format, 100, 75);
+  DrawBlock(picture, s.chart, 14, 0, 0, 0, 100, 64);
+  DrawBlock(picture, s.chart, 14, 0, 0, 64, 100, 11);
+  return picture;
+}
+
+// The seven modes side by side, a row for each format that has them.
+template <class Body>
+auto SevenModes(std::vector<Shown> given, Body body) {
+  return [=](const Assets& assets) {
+    Rendering rendering;
+    Stage inputs(assets, Format::k32);
+    rendering.inputs.push_back({"canvas before", inputs.canvas, {}});
+    rendering.inputs.insert(rendering.inputs.end(), given.begin(), given.end());
+    for (const FormatFacts& facts : kFormats) {
+      if (facts.bpp == 8) continue;
+      for (const NamedMode& mode : kModes) {
+        Stage stage(assets, facts.format);
+        body(stage, mode);
+        rendering.results.push_back({std::string(facts.name) + ", " + mode.name, stage.canvas, {}});
+      }
+    }
+    return rendering;
+  };
 }
 
 template <class Body>
@@ -560,6 +719,352 @@ const std::vector<Operation>& Operations() {
                  for (int i = 4; i <= 96; i += 8)
                    Line(s.canvas, {4, 70}, {i, 4}, kInk, 255, true, 0);
                })},
+
+      // -------------------------------------------------------------------- Mixing, masks and fades
+      {"Mixing, masks and fades", "DrawMix, levels",
+       "Eight stripes of the chart, each with more of it: the level counts in 256ths of the "
+       "source. The photograph shines through.",
+       OnMix(
+           {&Stage::chart}, {{"levels", {}, "32, 60, 90, 120\n150, 180, 210, 240"}},
+           [](Stage& s, Table table) {
+             for (int i = 0; i < 8; ++i) {
+               const auto level = static_cast<unsigned short>(i == 0 ? 32 : 30 + 30 * i);
+               const int left = 2 + 12 * i;
+               DrawMix(s.canvas, {left, 6, left + 12, 69}, level, s.chart, {14 + 12 * i, 0}, table);
+             }
+           })},
+      {"Mixing, masks and fades", "DrawMix, levels 64, 128 and 192",
+       "A quarter, a half, three quarters. Each stripe is 30 wide, so two pixels of a 16-bit row "
+       "are left over: at 128 the leftovers of 555, 1555 and 4444 lose a bit and come out dark. "
+       "Intended.",
+       OnMix(
+           {&Stage::chart}, {{"levels", {}, "64, 128, 192"}},
+           [](Stage& s, Table table) {
+             for (int i = 0; i < 3; ++i) {
+               const auto level = static_cast<unsigned short>(64 * (i + 1));
+               const int left = 2 + 33 * i;
+               DrawMix(s.canvas, {left, 6, left + 30, 69}, level, s.chart, {14 + 33 * i, 0}, table);
+             }
+           })},
+      {"Mixing, masks and fades", "DrawMix, levels from 256 on",
+       "32 and 24 bits read the low byte only, so 256 draws nothing and 384 is a half. At 16 bits "
+       "the three pixels left over at the right of each stripe read the whole level and overshoot; "
+       "8 bits always do. Intended.",
+       OnMix(
+           {&Stage::chart}, {{"levels", {}, "256, 320, 384, 448"}},
+           [](Stage& s, Table table) {
+             for (int i = 0; i < 4; ++i) {
+               const auto level = static_cast<unsigned short>(256 + 64 * i);
+               const int left = 2 + 24 * i;
+               DrawMix(s.canvas, {left, 6, left + 23, 69}, level, s.chart, {14 + 24 * i, 0}, table);
+             }
+           })},
+      {"Mixing, masks and fades", "DrawMix, level 255 and alpha bits",
+       "Opaque gold over a canvas without alpha: the alpha bits of mixed 16-bit pixels become 0, "
+       "but at level 255 the first four pixels of each row are copied instead and keep theirs. "
+       "Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (Format format : {Format::k1555, Format::k4444}) {
+           Stage s(shelf.assets, format);
+           IdxFillRect(s.chart, s.chart.Bounds(), 0xFF000000 | kGold);
+           if (shelf.inputs.empty()) {
+             shelf.From("alpha of the source", AlphaOf(s.chart));
+             IdxFillRect(s.canvas, s.canvas.Bounds(), kSky);
+             shelf.From("alpha of the canvas", AlphaOf(s.canvas));
+           }
+           for (const int level : {200, 255}) {
+             IdxFillRect(s.canvas, s.canvas.Bounds(), kSky);
+             DrawMix(s.canvas, {10, 10, 90, 65}, uint16_t(level), s.chart, {0, 0}, nullptr);
+             shelf.Add(
+                 std::string(FactsOf(format).name) + ", level " + std::to_string(level) + ", alpha",
+                 AlphaOf(s.canvas));
+           }
+         }
+       })},
+      {"Mixing, masks and fades", "DrawMix, 8-bit source",
+       "An 8-bit source on every depth: its palette gives the colours, no index is transparent.",
+       OnMix({&Stage::chart}, {{"levels", {}, "50, 100, 150, 200"}},
+             [](Stage& s, Table table) {
+               HostSurface chart = s.In(Format::k8).chart;
+               for (int i = 0; i < 4; ++i) {
+                 const auto level = static_cast<unsigned short>(50 * (i + 1));
+                 const int left = 2 + 24 * i;
+                 DrawMix(s.canvas, {left, 6, left + 24, 69}, level, chart, {14 + 24 * i, 0}, table);
+               }
+             })},
+      {"Mixing, masks and fades", "DrawMix through an alpha surface",
+       "A level for each pixel: where the alpha surface is white the chart is copied, where it is "
+       "black the photograph stays, between they fade into each other.",
+       OnMix({&Stage::chart}, {{"alpha surface", SoftDisc(), {}}},
+             [](Stage& s, Table table) {
+               HostSurface alpha = SoftDisc();
+               DrawMix(s.canvas, {4, 6, 96, 69}, alpha, {4, 6}, s.chart, {16, 0}, table);
+             })},
+      {"Mixing, masks and fades", "DrawMix through an alpha surface, 8-bit source",
+       "The same with the 8-bit chart and its palette.",
+       OnMix({&Stage::chart}, {{"alpha surface", SoftDisc(), {}}},
+             [](Stage& s, Table table) {
+               HostSurface chart = s.In(Format::k8).chart, alpha = SoftDisc();
+               DrawMix(s.canvas, {4, 6, 96, 69}, alpha, {4, 6}, chart, {16, 0}, table);
+             })},
+      {"Mixing, masks and fades", "DrawMix through an alpha surface, alpha bits",
+       "Pixels under 0 keep theirs, mixed ones lose theirs. Pixels under 255 are copied with "
+       "theirs, but only four at a time: the white inside has an edge in steps of four. Intended.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface alpha = SoftDisc();
+         shelf.From("alpha surface", alpha);
+         for (Format format : {Format::k1555, Format::k4444}) {
+           Stage s(shelf.assets, format);
+           IdxFillRect(s.canvas, s.canvas.Bounds(), 0xFF000000 | kSky);
+           HostSurface source = s.canvas;
+           DrawMix(s.canvas, s.canvas.Bounds(), alpha, {0, 0}, source, {0, 0}, nullptr);
+           shelf.Add(std::string(FactsOf(format).name) + ", alpha", AlphaOf(s.canvas));
+         }
+       })},
+      {"Mixing, masks and fades", "DrawMix through an alpha surface and a level",
+       "Each alpha byte is scaled by the level first, so the whole disc is fainter. The source "
+       "point has equal coordinates; see the next entry. 8 bits draw nothing.",
+       OnMix({&Stage::chart}, {{"alpha surface", SoftDisc(), {}}, {"level", {}, "160"}},
+             [](Stage& s, Table) {
+               HostSurface alpha = SoftDisc();
+               DrawMix(s.canvas, {4, 6, 96, 69}, alpha, {4, 6}, s.chart, {1, 1}, 160);
+             })},
+      {"Mixing, masks and fades", "DrawMix through an alpha surface and a level, source point",
+       "The source point is (60, 2). 16 bits begin there; 24 and 32 bits take its y for both "
+       "coordinates and begin at (2, 2). Intended.",
+       OnMix({&Stage::chart}, {{"alpha surface", SoftDisc(), {}}, {"level", {}, "256"}},
+             [](Stage& s, Table) {
+               HostSurface alpha = SoftDisc();
+               DrawMix(s.canvas, {20, 8, 80, 68}, alpha, {20, 8}, s.chart, {60, 2}, 256);
+             })},
+      {"Mixing, masks and fades", "DrawMix over a background, through an alpha surface",
+       "The tree is drawn first, with its key, then the chart through the disc.",
+       OnMix({&Stage::tree, &Stage::chart}, {{"alpha surface", SoftDisc(), {}}},
+             [](Stage& s, Table table) {
+               HostSurface alpha = SoftDisc();
+               DrawMix(s.canvas, {33, 8, 68, 72}, alpha, {20, 0}, s.chart, {40, 0}, s.tree, {0, 4},
+                       table);
+             })},
+      {"Mixing, masks and fades", "DrawMix over a background, at one level",
+       "The tree with its key, then the chart at 100 of 256 over both.",
+       OnMix({&Stage::tree, &Stage::chart}, {{"level", {}, "100"}},
+             [](Stage& s, Table table) {
+               DrawMix(s.canvas, {33, 8, 68, 72}, 100, s.chart, {40, 0}, s.tree, {0, 4}, table);
+             })},
+      {"Mixing, masks and fades", "DrawMask",
+       "One colour through a mask: a red spot that fades out.",
+       OnMix({}, {{"mask", SoftDisc(), {}}},
+             [](Stage& s, Table table) {
+               HostSurface mask = SoftDisc();
+               DrawMask(s.canvas, s.canvas.Bounds(), mask, {0, 0}, Packed(s.canvas, kRed), table);
+             })},
+      {"Mixing, masks and fades", "DrawMask, a picture as mask",
+       "A 32-bit mask counts by its first byte, blue: where the chart is blue or white, gold paint "
+       "covers the photograph. 8 bits want an 8-bit mask and draw nothing.",
+       OnMix({&Stage::chart}, {},
+             [](Stage& s, Table table) {
+               HostSurface mask = s.In(Format::k32).chart;
+               DrawMask(s.canvas, {4, 6, 96, 69}, mask, {16, 0}, Packed(s.canvas, kGold), table);
+             })},
+      {"Mixing, masks and fades", "MaskFillRect",
+       "A tint in one colour at one level, here eight of them. 8 bits have a function of their "
+       "own.",
+       OnMix({}, {{"levels", {}, "24, 56, 88, 120\n152, 184, 216, 248"}},
+             [](Stage& s, Table) {
+               for (int i = 0; i < 8; ++i) {
+                 const auto level = static_cast<unsigned short>(24 + 32 * i);
+                 const int left = 2 + 12 * i;
+                 MaskFillRect(s.canvas, {left, 6, left + 12, 69}, Packed(s.canvas, kRed), level);
+               }
+             })},
+      {"Mixing, masks and fades", "MaskFillRect, levels from 256 on",
+       "The low byte counts, as if the level were 0, 64, 128, 192; but the three pixels left over "
+       "at the right of each 16-bit stripe read the whole level and overshoot. Intended.",
+       OnMix({}, {{"levels", {}, "256, 320, 384, 448"}},
+             [](Stage& s, Table) {
+               for (int i = 0; i < 4; ++i) {
+                 const auto level = static_cast<unsigned short>(256 + 64 * i);
+                 const int left = 2 + 24 * i;
+                 MaskFillRect(s.canvas, {left, 6, left + 23, 69}, Packed(s.canvas, kSky), level);
+               }
+             })},
+      {"Mixing, masks and fades", "DrawBiMask",
+       "Below 128 the mask darkens, above it lightens, but at 24 and 32 bits anything between "
+       "none and full is a grey that does not depend on the picture. 16 bits draw nothing. "
+       "Intended.",
+       OnMix({}, {{"mask", RampField(), {}}, {"level", {}, "256"}},
+             [](Stage& s, Table table) {
+               HostSurface mask = RampField();
+               DrawBiMask(s.canvas, 256, s.canvas.Bounds(), mask, {0, 0}, table);
+             })},
+      {"Mixing, masks and fades", "DrawBiMask, half strength",
+       "Level 128: half the strength, so the greys stop in the middle, where full black and white "
+       "would be. Intended.",
+       OnMix({}, {{"mask", RampField(), {}}, {"level", {}, "128"}},
+             [](Stage& s, Table table) {
+               HostSurface mask = RampField();
+               DrawBiMask(s.canvas, 128, s.canvas.Bounds(), mask, {0, 0}, table);
+             })},
+      {"Mixing, masks and fades", "OpenFader",
+       "The chart, held for 21 pixels and then fading by 3 of 256 per pixel, until nothing of it "
+       "is left. 8 bits draw nothing.",
+       OnMix({&Stage::chart}, {{"start, step, hold", {}, "-1, 3, 20"}},
+             [](Stage& s, Table) {
+               OpenFader(s.canvas, {0, 6, 100, 69}, s.chart, {14, 0}, -1, 3, 20);
+             })},
+      {"Mixing, masks and fades", "OpenFader beyond zero",
+       "The level falls as one word with a weight for each channel. Below zero it wraps to nearly "
+       "full and borrows from the next byte: the picture comes back. Intended.",
+       OnMix({&Stage::chart}, {{"start, step, hold", {}, "-1, 8, 0"}},
+             [](Stage& s, Table) {
+               OpenFader(s.canvas, {0, 6, 100, 69}, s.chart, {14, 0}, -1, 8, 0);
+             })},
+      {"Mixing, masks and fades", "OpenFader, start above zero",
+       "Then the level begins at 0: the photograph for the first 31 pixels, and after the first "
+       "step the wrapped level. Intended.",
+       OnMix({&Stage::chart}, {{"start, step, hold", {}, "1, 3, 30"}},
+             [](Stage& s, Table) {
+               OpenFader(s.canvas, {0, 6, 100, 69}, s.chart, {14, 0}, 1, 3, 30);
+             })},
+
+      // ----------------------------------------------------------------------------- 8-bit mixing
+      {"8-bit mixing", "pincel_build_mix_table",
+       "What the table has for a slice of its keys, red rightwards, blue downwards, green in the "
+       "middle: the nearest colours of the model palette; with dither each plane errs to the other "
+       "side.",
+       OnShelf([](Shelf& shelf) {
+         for (const bool dither : {false, true}) {
+           HostSurface cube(Format::k8, 64, 64);
+           CreateModelPal(cube.Palette());
+           cube.Palette()[252] = cube.Palette()[253] = cube.Palette()[254] =
+               cube.Palette()[255] = {};
+           MixPalette palette(cube, dither);
+           if (!dither) shelf.From("palette", Swatches(lu_gPaleta));
+           HostSurface planes[] = {cube, cube, cube};
+           for (int y = 0; y < 64; ++y) {
+             for (int x = 0; x < 64; ++x) {
+               const int key = (x / 2) << 11 | 32 << 5 | y / 2;
+               SetPixel(planes[0], x, y, palette.table()[0][key]);
+               SetPixel(planes[1], x, y, palette.table()[1][key]);
+               SetPixel(planes[2], x, y, palette.table()[(x + y + 1) % 2][key]);
+             }
+           }
+           const std::string name = dither ? "dithered, " : "nearest, ";
+           shelf.Add(name + "first plane", planes[0]);
+           shelf.Add(name + "second plane", planes[1]);
+           shelf.Add(name + "both", planes[2]);
+         }
+       })},
+      {"8-bit mixing", "DrawMix_8Bits",
+       "The stripes again. A palette made for the photograph needs no dither; the model palette, "
+       "whose colours are far apart, gains from it.",
+       OnIndexed({&Stage::chart}, {{"levels", {}, "32, 60, 90, 120\n150, 180, 210, 240"}},
+                 [](Stage& s, Table table) {
+                   for (int i = 0; i < 8; ++i) {
+                     const auto level = static_cast<unsigned short>(i == 0 ? 32 : 30 + 30 * i);
+                     const int left = 2 + 12 * i;
+                     DrawMix_8Bits(s.canvas, {left, 6, left + 12, 69}, level, s.chart,
+                                   {14 + 12 * i, 0}, table);
+                   }
+                 })},
+      {"8-bit mixing", "DrawMix_8Bits through an alpha surface",
+       "Where the alpha surface is 0 or 255 indices stay or are copied; only mixtures go through "
+       "the table.",
+       OnIndexed({&Stage::chart}, {{"alpha surface", SoftDisc(), {}}},
+                 [](Stage& s, Table table) {
+                   HostSurface alpha = SoftDisc();
+                   DrawMix_8Bits(s.canvas, {4, 6, 96, 69}, alpha, {4, 6}, s.chart, {16, 0}, table);
+                 })},
+      {"8-bit mixing", "DrawMask_8Bits",
+       "A red spot; unlike deeper surfaces, a mask byte of 255 leaves a trace of the photograph. "
+       "Intended.",
+       OnIndexed({}, {{"mask", SoftDisc(), {}}},
+                 [](Stage& s, Table table) {
+                   HostSurface mask = SoftDisc();
+                   DrawMask_8Bits(s.canvas, s.canvas.Bounds(), mask, {0, 0}, kRed, table);
+                 })},
+      {"8-bit mixing", "MaskFillRect_8Bits",
+       "A tint in red, and the photograph below it with red and blue exchanged. Level 0, the first "
+       "stripe, is black instead of nothing. Intended.",
+       OnIndexed({}, {{"colour and levels", {}, "red\n0, 64, 128, 192"}},
+                 [](Stage& s, Table table) {
+                   for (int i = 0; i < 4; ++i) {
+                     const auto level = static_cast<unsigned short>(64 * i);
+                     const int left = 2 + 24 * i;
+                     MaskFillRect_8Bits(s.canvas, {left, 6, left + 24, 69}, kRed, level, table);
+                   }
+                 })},
+      {"8-bit mixing", "DrawBiMask_8Bits",
+       "The one two-sided mask that darkens and lightens the picture, with red and blue exchanged; "
+       "only the first plane of the table is read, so dither is of no use. Intended.",
+       OnIndexed({}, {{"mask", RampField(), {}}, {"level", {}, "256"}},
+                 [](Stage& s, Table table) {
+                   HostSurface mask = RampField();
+                   DrawBiMask_8Bits(s.canvas, 256, s.canvas.Bounds(), mask, {0, 0}, table);
+                 })},
+
+      // ------------------------------------------------------------------------------ Blend modes
+      {"Blend modes", "The seven modes, a source",
+       "Without a key pixels of value 0 are transparent, so the black in the chart neither "
+       "multiplies nor darkens; in 555, 1555 and 4444 black has alpha bits and is not 0. Intended.",
+       SevenModes({},
+                  [](Stage& s, const NamedMode& mode) {
+                    HostSurface chart = Backdrop(s);
+                    mode.source(s.canvas, s.canvas.Bounds(), chart, {0, 0});
+                  })},
+      {"Blend modes", "The seven modes, a colour through a mask",
+       "Gold through the disc: none of it at 0, nearly all of the blend at 255. Add and subtract "
+       "at 24 and 32 bits weigh with mask and colour together and wrap, which looks like noise. "
+       "Intended.",
+       SevenModes({{"mask", SoftDisc(), {}}},
+                  [](Stage& s, const NamedMode& mode) {
+                    HostSurface mask = SoftDisc();
+                    mode.colour(s.canvas, s.canvas.Bounds(), kGold, mask, {0, 0});
+                  })},
+      {"Blend modes", "The seven modes, a source through a mask",
+       "The chart through the disc; no pixel is transparent here, black ones darken. Add and "
+       "subtract at 24 and 32 bits weigh with mask and source together and wrap. Intended.",
+       SevenModes({{"mask", SoftDisc(), {}}},
+                  [](Stage& s, const NamedMode& mode) {
+                    HostSurface chart = Backdrop(s), mask = SoftDisc();
+                    mode.masked(s.canvas, s.canvas.Bounds(), chart, {0, 0}, mask, {0, 0});
+                  })},
+      {"Blend modes", "DoMultiplica, keyed sprite",
+       "A source with a key leaves out the pixels of that value, and only those. 8 bits draw "
+       "nothing.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 DoMultiplica(s.canvas, {33, 2, 68, 74}, s.tree, {0, 0});
+               })},
+      {"Blend modes", "DoDarken, black without a key",
+       "Black letters should darken everything, but without a key pixels of value 0 are "
+       "transparent. Left as they are, right with a key that does not occur. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface letter(s.format, 40, 60);
+                 IdxFillRect(letter, letter.Bounds(), 0xFF000000 | kWhite);
+                 IdxFillRect(letter, {8, 8, 16, 52}, 0);
+                 IdxFillRect(letter, {16, 44, 34, 52}, 0);
+                 DoDarken(s.canvas, {6, 8, 46, 68}, letter, {0, 0});
+                 letter.colorKey = 0x0123;
+                 DoDarken(s.canvas, {54, 8, 94, 68}, letter, {0, 0});
+               })},
+      {"Blend modes", "The fourth byte of 32-bit pixels",
+       "Alpha 192 on the canvas, 64 in the source: add, subtract, multiply and screen blend it "
+       "like a channel, lighten, darken and overlay keep it. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (const NamedMode& mode : kModes) {
+           HostSurface canvas(Format::k32, 64, 32), source(Format::k32, 32, 16);
+           IdxFillRect(canvas, canvas.Bounds(), 0xC0000000 | kSky);
+           IdxFillRect(source, source.Bounds(), 0x40000000 | kGold);
+           if (shelf.inputs.empty()) {
+             shelf.From("alpha of the canvas", AlphaOf(canvas));
+             shelf.From("alpha of the source", AlphaOf(source));
+           }
+           mode.source(canvas, {16, 8, 48, 24}, source, {0, 0});
+           shelf.Add(std::string(mode.name) + ", alpha", AlphaOf(canvas));
+         }
+       })},
 
       // ------------------------------------------------------------------------------- Flood fill
       {"Flood fill", "Rellena",
