@@ -16,7 +16,15 @@ if(NOT hwy_FOUND)
     "Run scripts/dependencies (with the argument windows for the Windows build) first.")
 endif()
 
-# The static library carries Highway inside (see library.cmake), so the archive itself is needed.
+set(PINCEL_LIBJPEG_TURBO_VERSION 2.1.5)
+find_package(libjpeg-turbo ${PINCEL_LIBJPEG_TURBO_VERSION} EXACT CONFIG QUIET
+  HINTS ${PINCEL_DEPS} NO_CMAKE_FIND_ROOT_PATH)
+if(NOT TARGET libjpeg-turbo::jpeg-static)
+  message(FATAL_ERROR "The static library of libjpeg-turbo ${PINCEL_LIBJPEG_TURBO_VERSION} is "
+    "missing. Run scripts/dependencies (with the argument windows for the Windows build) first.")
+endif()
+
+# The static library carries both inside (see library.cmake), so the archives themselves are needed.
 get_target_property(hwy_type hwy::hwy TYPE)
 if(NOT hwy_type STREQUAL "STATIC_LIBRARY")
   message(FATAL_ERROR "Pincel needs Highway as a static library")

@@ -31,5 +31,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${licence_dir})
 # Parts of these libraries are inside the binaries, so their licences go along.
 if(EXISTS ${PINCEL_DEPS}/licenses)
   install(DIRECTORY ${PINCEL_DEPS}/licenses/ DESTINATION ${licence_dir}
-    FILES_MATCHING PATTERN "highway-*")
+    FILES_MATCHING PATTERN "highway-*" PATTERN "libjpeg-turbo-*")
+endif()
+if(EXISTS ${PINCEL_DEPS}/share/doc/libjpeg-turbo/README.ijg)
+  install(FILES ${PINCEL_DEPS}/share/doc/libjpeg-turbo/README.ijg DESTINATION ${licence_dir}
+    RENAME libjpeg-turbo-README.ijg)
 endif()

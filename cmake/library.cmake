@@ -12,9 +12,10 @@ function(pincel_objects name)
   target_compile_definitions(${name} PRIVATE ${ARGN})
   target_link_libraries(${name} PRIVATE pincel_settings)
   target_compile_options(${name} PRIVATE ${PINCEL_LIBRARY_WARNINGS})
-  # Compile settings only: nothing but the two libraries below links the archive.
+  # Compile settings only: nothing but the two libraries below links the archives.
   target_include_directories(${name} SYSTEM PRIVATE
-    $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>)
+    $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>
+    $<TARGET_PROPERTY:libjpeg-turbo::jpeg-static,INTERFACE_INCLUDE_DIRECTORIES>)
   target_compile_definitions(${name} PRIVATE HWY_STATIC_DEFINE)
 endfunction()
 
@@ -32,7 +33,8 @@ add_library(pincel::pincel ALIAS pincel)
 target_include_directories(pincel INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(pincel PRIVATE $<BUILD_INTERFACE:pincel_settings> $<BUILD_INTERFACE:hwy::hwy>)
+target_link_libraries(pincel PRIVATE $<BUILD_INTERFACE:pincel_settings>
+  $<BUILD_INTERFACE:hwy::hwy> $<BUILD_INTERFACE:libjpeg-turbo::jpeg-static>)
 set_target_properties(pincel PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -69,8 +71,10 @@ set_target_properties(pincel_static PROPERTIES LINKER_LANGUAGE CXX)
 if(NOT WIN32)
   set_target_properties(pincel_static PROPERTIES OUTPUT_NAME pincel)
 endif()
-# Highway goes into the archive, so that a user links one file and need not have Highway.
-add_custom_command(TARGET pincel_static POST_BUILD
-  COMMAND ${CMAKE_COMMAND} -DAR=${CMAKE_AR} -DINTO=$<TARGET_FILE:pincel_static>
-    -DFROM=$<TARGET_FILE:hwy::hwy> -P ${PROJECT_SOURCE_DIR}/cmake/merge_archive.cmake
-  VERBATIM)
+# Both go into the archive, so that a user links one file and need not have them.
+foreach(merged hwy::hwy libjpeg-turbo::jpeg-static)
+  add_custom_command(TARGET pincel_static POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -DAR=${CMAKE_AR} -DINTO=$<TARGET_FILE:pincel_static>
+      -DFROM=$<TARGET_FILE:${merged}> -P ${PROJECT_SOURCE_DIR}/cmake/merge_archive.cmake
+    VERBATIM)
+endforeach()

@@ -33,7 +33,7 @@
  *   memory. Source and destination must not overlap unless they are the same area of the same
  *   surface.
  * - **Results** are not uniformly meaningful; several functions always return the same value. Each
- *   text says what its result means. Nothing is logged, and nothing is thrown.
+ *   text says what its result means. Nothing is logged, and nothing is thrown but by #LoadJPG.
  */
 #ifndef PINCEL_H_
 #define PINCEL_H_
@@ -652,6 +652,34 @@ PINCEL_API bool LoadGIFAlpha(TSurfDesc& surface, unsigned char* data, CQXGIF& gi
  * @return always true. */
 PINCEL_API bool LoadGIFAlphaEnd(TSurfDesc& surface, unsigned char* data, CQXGIF& gif, RAW& frame);
 
+/** Reads the size of a JPEG file: that of the first frame header. Nothing else is checked.
+ * @param surface receives `width`, `height` and `bpp` 24; 0 x 0 when there is no such header.
+ * @param data the file. @param length its bytes; nothing behind them is read.
+ * @return always true. */
+PINCEL_API bool LoadInfoJPG(TSurfDesc& surface, unsigned char* data, long length);
+
+/** Decodes a JPEG file, baseline or progressive, into a surface of any format.
+ *
+ * The surface should have the size of LoadInfoJPG; of a larger image the rows and columns that do
+ * not fit are dropped. Grayscale files are decoded as colours, files with four components (CMYK)
+ * not at all. 16-bit pixels keep the top bits of each byte. **Alpha bits of 1555 and 4444 become 0,
+ * fourth bytes of 32-bit pixels are kept.**
+ *
+ * 8-bit surfaces: the palette, unless it is null, becomes #lu_gPaleta, and the image is dithered to
+ * those colours. **Each row takes the image's width, rounded up to a multiple of 4 with bytes of 0;
+ * the surface's width and pitch do not count**, but nothing is written behind its end, height x pitch
+ * bytes from its first pixel. So a surface with a negative pitch receives nothing.
+ *
+ * **An error in the header, up to the first scan, is thrown as an `int`.** A host built with MinGW
+ * must link libgcc as a DLL (`-shared-libgcc`) to catch it; where nothing can be caught, there is
+ * #pincel_load_jpg.
+ * @param surface destination; pixels, pitch, masks and, at 8 bits, palette filled in by the caller.
+ * @param data the file. @param length its bytes; nothing behind them is read.
+ * @return true when the decoder had nothing to complain about; false after any error or warning, with
+ *         the rows that were decoded in the surface (those that a truncated file lacks are grey, or
+ *         coarse in a progressive one), and for an unsupported surface or one without pixels. */
+PINCEL_API bool LoadJPG(TSurfDesc& surface, unsigned char* data, long length);
+
 /** Kept for an image format that is not supported.
  * @param surface not touched. @param data not read.
  * @return always false. */
@@ -1137,6 +1165,28 @@ PINCEL_API pincel_status pincel_gif_frame(TGifFrame& frame, const unsigned char*
  *         depth); SURFACE_TOO_SMALL; NO_FRAME when `frame` is none of this file. */
 PINCEL_API pincel_status pincel_load_gif(TSurfDesc& surface, const unsigned char* data,
                                          size_t length, const TGifFrame& frame);
+
+/** Reads the size of a JPEG file.
+ * @param surface receives `width`, `height` and `bpp` 24, with #PINCEL_OK only.
+ * @param data the file. @param length its bytes.
+ * @return OK when #pincel_load_jpg decodes files with such a header; TRUNCATED (before the first
+ *         scan); NOT_THIS_FORMAT; UNSUPPORTED; CORRUPT. */
+PINCEL_API pincel_status pincel_load_info_jpg(TSurfDesc& surface, const unsigned char* data,
+                                              size_t length);
+
+/** Decodes a JPEG file into the top left corner of a surface of any format.
+ *
+ * Reads baseline and progressive files of 8 bits a sample, in colour and grayscale. On 8-bit surfaces
+ * the image is dithered to #lu_gPaleta. Rows stand at the surface's pitch. Files with several scans
+ * are held in memory while they are decoded, up to six bytes a pixel. Throws nothing.
+ * @param surface destination.
+ * @param data the file. @param length its bytes.
+ * @return OK; TRUNCATED (what is missing is grey, or coarse in a progressive file; one that ends
+ *         inside a header between two scans gives no pixels); CORRUPT (whatever could be made sense
+ *         of is there, possibly all); NOT_THIS_FORMAT; UNSUPPORTED (also CMYK, lossless
+ *         and 12-bit files, and when memory runs out); SURFACE_TOO_SMALL. */
+PINCEL_API pincel_status pincel_load_jpg(TSurfDesc& surface, const unsigned char* data,
+                                         size_t length);
 
 } /* extern "C" */
 
