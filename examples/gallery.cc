@@ -109,6 +109,11 @@ class MixPalette {
   TRGBA saved_[256];
 };
 
+// A GIF file. They lie in a folder beside that of the BMP files.
+File GifFile(const Assets& assets, const char* name) {
+  return assets.Read(std::string("../gif/") + name);
+}
+
 std::string Text(bool value) { return value ? "true" : "false"; }
 
 using Source = HostSurface Stage::*;
@@ -387,6 +392,72 @@ const std::vector<Operation>& Operations() {
            LoadBMPAlpha(mask, file.data());
            shelf.Add(name, mask);
          }
+       })},
+      {"Loading", "LoadInfoGIF",
+       "The size of the screen, from the header alone, and the file's global colour table in a "
+       "palette that is black otherwise.",
+       OnShelf([](Shelf& shelf) {
+         for (const char* name : {"wuffs-hat.gif", "wuffs-muybridge.gif", "gd-bug00066.gif"}) {
+           File file = GifFile(shelf.assets, name);
+           TSurfDesc size{};
+           CQXGIF gif{};
+           RAW frame{};
+           LoadInfoGIF(size, file.data(), gif, frame);
+           TRGBA palette[256];
+           for (int i = 0; i < 256; ++i) {
+             palette[i] = {frame.palette[i][2], frame.palette[i][1], frame.palette[i][0], 0};
+           }
+           shelf.Add(name, std::to_string(size.width) + " x " + std::to_string(size.height) + ", " +
+                               std::to_string(size.bpp) + " bits");
+           shelf.Add(std::string(name) + ", colours", Swatches(palette));
+         }
+       })},
+      {"Loading", "LoadGIFNext, LoadGIF",
+       "A walk over the frames of a file, each decoded into a surface of the screen's size. Here "
+       "every frame fills the screen; position, transparency and disposal are not read.",
+       OnShelf([](Shelf& shelf) {
+         File file = GifFile(shelf.assets, "imagegif-moon_impact.gif");
+         TSurfDesc size{};
+         CQXGIF gif{};
+         RAW frame{};
+         LoadInfoGIF(size, file.data(), gif, frame);
+         for (int number = 1; LoadGIFNext(size, file.data(), gif, frame); ++number) {
+           HostSurface picture(Format::k32, size.width, size.height);
+           LoadGIF(picture, file.data(), gif, frame);
+           shelf.Add("frame " + std::to_string(number), picture);
+         }
+         LoadGIFEnd(size, file.data(), gif, frame);
+       })},
+      {"Loading", "LoadGIF in every format",
+       "One frame decoded straight into each format; an 8-bit surface receives the palette too.",
+       OnShelf([](Shelf& shelf) {
+         File file = GifFile(shelf.assets, "wuffs-hat.gif");
+         for (const FormatFacts& facts : kFormats) {
+           TSurfDesc size{};
+           CQXGIF gif{};
+           RAW frame{};
+           LoadInfoGIF(size, file.data(), gif, frame);
+           HostSurface picture(facts.format, size.width, size.height);
+           LoadGIFNext(picture, file.data(), gif, frame);
+           LoadGIF(picture, file.data(), gif, frame);
+           LoadGIFEnd(picture, file.data(), gif, frame);
+           shelf.Add(facts.name, picture);
+         }
+       })},
+      {"Loading", "LoadInfoGIFAlpha, LoadGIFAlpha",
+       "The indices of a frame as they stand, here shown as grey: a mask, whatever the colours.",
+       OnShelf([](Shelf& shelf) {
+         File file = GifFile(shelf.assets, "wuffs-hat.gif");
+         TSurfDesc size{};
+         CQXGIF gif{};
+         RAW frame{};
+         LoadInfoGIFAlpha(size, file.data(), gif, frame);
+         HostSurface mask(Format::k8, size.width, size.height);
+         CreateGreyPal(mask.Palette());
+         LoadGIFAlphaNext(mask, file.data(), gif, frame);
+         LoadGIFAlpha(mask, file.data(), gif, frame);
+         LoadGIFAlphaEnd(mask, file.data(), gif, frame);
+         shelf.Add("wuffs-hat.gif", mask);
        })},
       {"Loading", "LoadInfoPGF, LoadPGF", "Kept for an image format that is not supported.",
        OnShelf([](Shelf& shelf) {
