@@ -119,6 +119,8 @@ int main(int argc, char** argv) {
   bench::AddConversions();
   bench::AddLines();
   bench::AddFloods();
+  bench::AddMixes();
+  bench::AddBlends();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

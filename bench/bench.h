@@ -133,6 +133,8 @@ void AddConversions();
 void AddFills();
 void AddLines();
 void AddFloods();
+void AddMixes();
+void AddBlends();
 
 }  // namespace bench
 
