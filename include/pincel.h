@@ -661,8 +661,9 @@ PINCEL_API bool LoadInfoJPG(TSurfDesc& surface, unsigned char* data, long length
 /** Decodes a JPEG file, baseline or progressive, into a surface of any format.
  *
  * The surface should have the size of LoadInfoJPG; of a larger image the rows and columns that do
- * not fit are dropped. Grayscale files are decoded as colours, files with four components (CMYK)
- * not at all. 16-bit pixels keep the top bits of each byte. **Alpha bits of 1555 and 4444 become 0,
+ * not fit are dropped (progressive images of more than 80 million pixels fail unless the surface has
+ * room for them). Grayscale files are decoded as colours, files with four components (CMYK) not at
+ * all. 16-bit pixels keep the top bits of each byte. **Alpha bits of 1555 and 4444 become 0,
  * fourth bytes of 32-bit pixels are kept.**
  *
  * 8-bit surfaces: the palette, unless it is null, becomes #lu_gPaleta, and the image is dithered to

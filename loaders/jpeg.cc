@@ -103,9 +103,10 @@ CSize FindFrameSize(ByteReader file) {
 
 // --- decoding ---
 
-// Scans that a file may have once something was wrong with it. Sound ones never repeat, so that their
-// number is limited; broken ones could go over the picture again for every few bytes.
-constexpr int kMostScansAfterWarning = 100;
+// Scans that a file may have: as many as a sound one that sends every bit of every coefficient by
+// itself, and fewer once something was wrong. Else a few bytes could ask for the work of the whole
+// picture, again and again.
+constexpr int kMostScans = 3 * 64 * 14, kMostScansAfterWarning = 100;
 
 // A decompressor with its memory, its source and its errors, which are thrown as `int`. They pass
 // through libjpeg-turbo's C frames; what it holds is released here.
@@ -251,9 +252,9 @@ class Decoder {
   }
 
   static void LimitScans(j_common_ptr info) {
-    if (info->err->num_warnings == 0) return;
     const Decoder& decoder = *static_cast<Decoder*>(info->client_data);
-    if (decoder.info_.input_scan_number <= kMostScansAfterWarning) return;
+    const int most = info->err->num_warnings == 0 ? kMostScans : kMostScansAfterWarning;
+    if (decoder.info_.input_scan_number <= most) return;
     info->err->msg_code = JWRN_BOGUS_PROGRESSION;
     ThrowError(info);
   }

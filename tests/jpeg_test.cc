@@ -618,6 +618,26 @@ TEST(HostileJpeg, RepeatedScansEndSoon) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, kLimit);
 }
 
+// Whole coefficients can be sent twice without a warning.
+TEST(HostileJpeg, ScansAreLimited) {
+  JpegOptions options;
+  options.space = JCS_GRAYSCALE;
+  options.horizontal = options.vertical = 1;
+  options.scans = {{1, {0, 0, 0, 0}, 0, 0, 0, 0}, {1, {0, 0, 0, 0}, 1, 63, 0, 0}};
+  const Bytes file = JpegFile(64, 64, Bytes(64 * 64, 99), options);
+  const Bytes marker = {0xFF, 0xDA};
+  const auto last = std::find_end(file.begin(), file.end(), marker.begin(), marker.end());
+  const Bytes scan(last, file.end() - 2);
+  for (int scans : {1000, 2688, 2689, 3000}) {
+    Bytes many(file.begin(), last);
+    for (int i = 1; i < scans; ++i) many.insert(many.end(), scan.begin(), scan.end());
+    many.insert(many.end(), {0xFF, 0xD9});
+    Picture p = Blank(24, 64, 64);
+    EXPECT_EQ(Load(p, many), scans <= 2688 ? Loaded::kTrue : Loaded::kFalse) << scans;
+    EXPECT_EQ(LoadBounded(p, many), scans <= 2688 ? PINCEL_OK : PINCEL_CORRUPT) << scans;
+  }
+}
+
 void LoadWithEverything(const Bytes& file) {
   ScannedSize(file);
   TSurfDesc info{};

@@ -21,6 +21,7 @@ struct JpegOptions {
   int horizontal = 2, vertical = 2;  // sampling of the first component
   int restart_interval = 0;
   bool progressive = false, arithmetic = false;
+  std::vector<jpeg_scan_info> scans;  // instead of the usual ones
   std::vector<uint8_t> comment;
 };
 
@@ -62,6 +63,10 @@ inline std::vector<uint8_t> JpegFile(int width, int height, const std::vector<ui
   info.restart_interval = unsigned(options.restart_interval);
   info.arith_code = options.arithmetic;
   if (options.progressive) jpeg_simple_progression(&info);
+  if (!options.scans.empty()) {
+    info.scan_info = options.scans.data();
+    info.num_scans = int(options.scans.size());
+  }
   jpeg_start_compress(&info, TRUE);
   if (!options.comment.empty()) {
     jpeg_write_marker(&info, JPEG_COM, options.comment.data(), unsigned(options.comment.size()));

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "pincel.h"
+#include "tests/support/files.h"
 
 namespace {
 
@@ -178,6 +180,25 @@ TEST(StackAlignment, FloodFill) {
       std::memset(work.pixels, 0, size_t(work.pitch) * size_t(work.height));
       EXPECT_TRUE(Call(&Rellena, &dst, &work, 30, 9, 600ul, 0x00FFFFFFul, 0x00102030ul));
     });
+  }
+}
+
+// The decoder brings its own assembly code, and throws and catches inside the call.
+TEST(StackAlignment, Jpeg) {
+  const char* const kFiles[] = {"wuffs-hippopotamus.jpg", "wuffs-peacock.progressive.jpg",
+                                "jpegdec-jpg-gray.jpg"};
+  for (const char* name : kFiles) {
+    std::vector<uint8_t> file =
+        support::BytesOf(PINCEL_SOURCE_DIR "/examples/assets/jpg/" + std::string(name));
+    ASSERT_FALSE(file.empty());
+    for (const Format& format : kFormats) {
+      ExpectSameAtEveryOffset(format, format, [&](TSurfDesc& dst, TSurfDesc&) {
+        dst.palette = nullptr;
+        EXPECT_TRUE(Call(&LoadJPG, &dst, file.data(), long(file.size())));
+        EXPECT_FALSE(Call(&LoadJPG, &dst, file.data(), long(file.size() / 2)));
+        EXPECT_TRUE(Call(&pincel_load_jpg, &dst, file.data(), size_t{60}));  // truncated
+      });
+    }
   }
 }
 
