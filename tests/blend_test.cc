@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -364,8 +365,8 @@ TEST(Blend, ArgumentsAreNotChanged) {
   EXPECT_EQ(at.y, 0);
 }
 
+#if ULONG_MAX > 0xFFFFFFFF  // else a colour has no more bits
 TEST(Blend, OnlyTheLow32BitsOfAColourCount) {
-  if (sizeof(unsigned long) == 4) GTEST_SKIP() << "a colour has no more bits here";
   const unsigned long high = ~0ul << 16 << 16;
   for (int format : kBlendFormats) {
     Picture one = Filled(format, 3, 1, 0x1234), two = one, mask = Mask(3, 1, {1, 128, 255});
@@ -375,6 +376,7 @@ TEST(Blend, OnlyTheLow32BitsOfAColourCount) {
     EXPECT_EQ(one.bytes, two.bytes);
   }
 }
+#endif
 
 // Comparison with the model on every target.
 
