@@ -509,6 +509,130 @@ PINCEL_API bool DrawBlock(TSurfDesc& dst, TSurfDesc& src, unsigned short sx, uns
 
 /** @} */
 
+/** @defgroup scale Scaling and transforms
+ * Between surfaces of the same depth; nothing is converted and no colour key is consulted. Source
+ * and destination must not overlap.
+ * @{ */
+
+/** Stretches a rectangle onto another.
+ *
+ * Both rectangles are clipped, each to its own surface, and then the whole of one is fitted onto the
+ * whole of the other: **a destination that is partly clipped shows a squeezed copy of the whole
+ * source**, not a part of it. Intended; StretchBitmap keeps the proportions.
+ *
+ * *Nearest* takes source column trunc(i x (source width / destination width)), by repeated addition
+ * of that step in single precision; rows alike. At 32 bits **three bytes are copied, the fourth is
+ * kept**.
+ *
+ * *Smooth* (24 and 32 bits, others sample the nearest pixel) mixes four neighbours in 16.16 fixed
+ * point. **The weights sum to a little less than one**: a white area comes out as 254. The right and
+ * lower neighbours of the rectangle's last column and row lie outside it: they are the pixels that
+ * follow in memory, and where the surface's memory ends the last pixel or row stands for them.
+ * @param dst destination, any format.
+ * @param dRect area to fill; clipped.
+ * @param src source of the destination's depth; its own depth is not looked at.
+ * @param sRect area to take; clipped.
+ * @param smooth mixes neighbours.
+ * @return true; false for an unsupported format and when either clipped rectangle is empty. */
+PINCEL_API bool BltStrech(TSurfDesc& dst, CRectangulo dRect, TSurfDesc& src, CRectangulo sRect,
+                          bool smooth);
+
+/** BltStrech without smoothing.
+ * @param dst destination, any format. @param dRect area to fill; clipped.
+ * @param src source of the same depth. @param sRect area to take; clipped.
+ * @return that of BltStrech. */
+PINCEL_API bool DrawStretch(TSurfDesc& dst, CRectangulo const& dRect, TSurfDesc& src,
+                            CRectangulo const& sRect);
+
+/** Tells whether a destination could be stretched through a table; **draws nothing**.
+ * @param dst only its depth is read.
+ * @param dRect not read. @param src not read. @param sRect not read. @param table not read.
+ * @return true for a destination of 8, 24 or 32 bits, false for others. */
+PINCEL_API bool DrawStretch(TSurfDesc& dst, CRectangulo const& dRect, TSurfDesc& src,
+                            CRectangulo const& sRect, unsigned char* table);
+
+/** Enlarges or reduces true-colour pictures in proportion: when the destination is clipped, the
+ * source shrinks along with it.
+ *
+ * *Enlarging* (the source is smaller in both directions) interpolates in 16.16 fixed point; the last
+ * source column and row are repeated. *Reducing* (larger in both) averages the block of source
+ * pixels that falls on each pixel. **The sides of both rectangles count modulo 256 while reducing,
+ * and a channel sum of 32768 or more wraps**: it is meant for rectangles of at most 255 pixels a
+ * side and blocks of up to 128 bright pixels. Sides that are a multiple of 256 draw nothing. The
+ * fourth byte of a 32-bit destination is kept.
+ * @param dst destination.
+ * @param dRect area to fill; clipped.
+ * @param src source of the destination's depth.
+ * @param sRect area to take, inside the source: pixels outside it are not read, nor drawn.
+ * @param bitsPerPixel 24 or 32: the depth to work in; it should be that of the surfaces.
+ * @param enable false draws nothing.
+ * @param extra no effect.
+ * @return true, **also when nothing was drawn** (nothing visible, not enabled, other depths, wider
+ *         but lower or the reverse); false only for surfaces of different depths. */
+PINCEL_API bool StretchBitmap(TSurfDesc& dst, CRectangulo dRect, TSurfDesc& src, CRectangulo sRect,
+                              int bitsPerPixel, bool enable, bool extra);
+
+/** Draws a surface at twice its size.
+ *
+ * The size is clipped to the destination, to whole source pixels, but **drawing starts at `at` from
+ * the source's first pixel, also where `at` is negative**: only what lies inside the destination is
+ * drawn.
+ * @param dst destination of 24 or 32 bits; all four bytes of a pixel are copied.
+ * @param src source of the same depth.
+ * @param at position of the top-left corner.
+ * @return **always false**. */
+PINCEL_API bool DrawDouble(TSurfDesc& dst, TSurfDesc& src, CPunto at);
+
+/** Mirrors a surface left to right, in place.
+ * @param surf surface, any format; a width below 2 changes nothing.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool FlipX(TSurfDesc& surf);
+
+/** Fills a surface with another one turned by a quarter turn, or mirrored.
+ *
+ * | mode | result                                                                  |
+ * |------|-------------------------------------------------------------------------|
+ * | 0    | the source, by DrawBitmap(dst, src): its colour key counts              |
+ * | 1    | a quarter turn counter-clockwise                                        |
+ * | 2    | a **reversed copy that starts at the source's first pixel**, see below  |
+ * | 3    | a quarter turn clockwise                                                |
+ * | + 4  | 1 and 3: mirrored top to bottom; 0 and 2: then mirrored left to right   |
+ *
+ * Modes 1 and 3 need a destination of the source's size turned; what does not fit is left out.
+ *
+ * **Mode 2 walks backwards from the source's first pixel, through the memory in front of it**: the
+ * pixel at byte k of the destination becomes the one at byte -k, for all but the last pixel of the
+ * destination, padding included. Give a source whose `pixels` is the last pixel of a block that is
+ * as large as the destination. At 16 bits each store is a word of two pixels with its bytes
+ * reversed, of which the next one covers the second half: pixels arrive with their two bytes
+ * swapped. Intended.
+ * @param dst destination, any format. Its whole size is filled.
+ * @param src source of the destination's depth.
+ * @param mode bits 0 to 2 as above; others are not significant.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool CreateRotated(TSurfDesc& dst, TSurfDesc& src, int mode);
+
+/** Brightens or darkens a rectangle, or maps it through a table.
+ *
+ * *24 and 32 bits*: k = trunc(amount x 510 - 255). From 0 on, k is added to every byte, the fourth
+ * one included, up to 255. **A negative shift is one step weaker: |k| - 1 is subtracted**, down to 0.
+ *
+ * *16 bits*: k = trunc(amount x 62 - 31) is added to each field, as a number of five bits from 0 to
+ * 31. 565 uses green's top five bits, so that **its lowest bit is cleared by every call**; 4444
+ * doubles its fields and halves the sum. Alpha bits are kept.
+ *
+ * *8 bits*: each pixel becomes `table[pixel]`.
+ * @param dst destination, any format.
+ * @param rect rectangle; clipped.
+ * @param amount 0 darkest, 0.5 no change, 1 brightest; larger and smaller values saturate, not a
+ *        number counts as 0. Not read at 8 bits.
+ * @param table 256 bytes; read at 8 bits only, where null leaves the surface as it is.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool TranslateRect(TSurfDesc& dst, CRectangulo const& rect, float amount,
+                              unsigned char const* table);
+
+/** @} */
+
 /** @defgroup load Image loading
  * Images arrive as complete files in memory; pixels go straight into the caller's surface. Ask for
  * the size, prepare a surface of any format, load. @{ */
@@ -1055,6 +1179,222 @@ PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, unsigned l
 PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                              CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
+
+/** @} */
+
+/** @defgroup filter Filters
+ * Convolutions of whole images, in place. `scratch` receives a copy of the image (height x pitch
+ * bytes, in units of four: up to three bytes at the end are not copied), from which all pixels are
+ * read; it must have room for that, and its own size and depth are not looked at.
+ *
+ * | format   | pixels filtered         | channels                | added     | rest of the pixel |
+ * |----------|-------------------------|-------------------------|-----------|-------------------|
+ * | 32       | those of the rows       | blue, green, red        | bias      | becomes 0         |
+ * | 24       | those of the rows       | blue, green, red        | bias      |                   |
+ * | 565      | **all, padding too**    | blue, green, red        | see below |                   |
+ * | 555,1555 | **all, padding too**    | blue, green, pixel >> 10 | see below | becomes 0        |
+ * | 4444     | **all, padding too**    | blue, green, pixel >> 8 | see below | becomes 0         |
+ *
+ * Fields of 16-bit pixels are filtered in their own range, not as bytes, with the bias as it stands
+ * and **twice the bias on green**; the alpha bits count as high bits of red. Intended.
+ *
+ * *Neighbours.* A tap is an offset in bytes from the pixel. **The image is one run of bytes**: left
+ * of a row's first pixel lies the end of the row above (its padding, if any), and what lies before
+ * the first or behind the last pixel of the buffer is that pixel.
+ *
+ * *Arithmetic.* Sums are 32-bit and wrap; the quotient is truncated toward zero, the bias added
+ * (wrapping too), the result clamped to the channel's range.
+ *
+ * 8-bit images are not filtered: the result is false. An image without pixels changes nothing.
+ * @{ */
+
+/** Filters an image with any list of taps.
+ * @param image 16, 24 or 32 bits; filtered in place.
+ * @param scratch height x pitch bytes of the image at least.
+ * @param count number of taps; below 1 the sum is 0.
+ * @param weights `count` weights.
+ * @param offsets `count` offsets in bytes, row x pitch + column x bytes per pixel; their low 32 bits
+ *        are read, signed.
+ * @param divisor of the sums, not 0.
+ * @param bias added to the quotients.
+ * @return true; false, with nothing changed, for null arrays, a divisor of 0 and other formats. */
+PINCEL_API bool DoConvolucion(TSurfDesc& image, TSurfDesc& scratch, int count, int* const weights,
+                              long* const offsets, int divisor, int bias);
+
+/** Blurs an image: the mean of 3 x 3 pixels.
+ * @param image 16, 24 or 32 bits. @param scratch see the group.
+ * @return that of DoConvolucion. */
+PINCEL_API bool DoSuavizado(TSurfDesc& image, TSurfDesc& scratch);
+
+/** Turns an image into a relief: the pixel at the lower right minus the one at the upper left, plus
+ * 127 (which saturates 16-bit fields).
+ * @param image 16, 24 or 32 bits. @param scratch see the group.
+ * @return that of DoConvolucion. */
+PINCEL_API bool DoEmboss(TSurfDesc& image, TSurfDesc& scratch);
+
+/** Sharpens an image: nine times the pixel minus its eight neighbours.
+ * @param image 16, 24 or 32 bits. @param scratch see the group.
+ * @return that of DoConvolucion. */
+PINCEL_API bool DoRealce(TSurfDesc& image, TSurfDesc& scratch);
+
+/** Filters an image with one of 24 stored kernels of up to 5 x 5 taps.
+ *
+ * 0 to 2 and 5: reliefs on grey; 3, 4, 6, 14, 16, 17 and 21: directed edges; 7, 12, 19 and 22: edges on
+ * black; 8 to 11 and 20: sharpening; 13: a bright blur; 15: a shift by one pixel; 18: brighter by 140.
+ * Number 23 has divisor 0: it is refused.
+ * @param image 16, 24 or 32 bits. @param scratch see the group.
+ * @param number 0 to 22.
+ * @return that of DoConvolucion; false for other numbers. */
+PINCEL_API bool FiltroMask(TSurfDesc& image, TSurfDesc& scratch, int number);
+
+/** @} */
+
+/** @defgroup blur Directional blurs
+ * A mask, moved along a line, through which a colour is painted once for each position.
+ *
+ * *Mask.* Of 8 bits, or the first bytes of 32-bit pixels; a mask of another depth paints nothing.
+ * Pixels outside the mask's memory count as 0. **In a mask of 8 bits, the byte that belongs to row i
+ * of the painted area counts only where it lies within row i of the mask**: what a pass reads from
+ * other rows is 0, so that passes above and below the centre paint next to nothing when the area
+ * starts at the mask's first row. Intended.
+ *
+ * *Strength.* A mask byte m paints with a = (m x step / 256) mod 256: 0 leaves the pixel, 255 stores
+ * the whole colour, others move each channel c of the colour towards the destination's d, to
+ * c + floor((d - c)(255 - a) / 256). All four bytes of a 32-bit pixel are mixed. 16-bit fields are
+ * mixed in their own precision, and **the alpha bits of a mixed pixel become 0**.
+ *
+ * *Destinations* of 8 bits and unsupported formats are left as they are; the result does not tell.
+ * @{ */
+
+/** Paints a colour through a mask that is smeared evenly along a line.
+ * @param dst destination of 16, 24 or 32 bits.
+ * @param mask mask of 8 or 32 bits.
+ * @param rect area to paint; clipped to the destination, and made no larger than the mask.
+ * @param at mask pixel that lands on the area's top-left corner in the middle position.
+ * @param colour packed.
+ * @param length number of positions, rounded down to an even one; below 2 nothing is painted.
+ * @param angle direction in radians, clockwise from the right; not finite counts as 0.
+ * @return false when the area is empty; else true. */
+PINCEL_API bool FiltroMotionBlur(TSurfDesc& dst, TSurfDesc& mask, CRectangulo const& rect,
+                                 CPunto const& at, unsigned long colour, int length, float angle);
+
+/** Paints a colour through a mask whose copies along a line fade with the distance from the middle:
+ * a glow.
+ * @param dst destination of 16, 24 or 32 bits.
+ * @param mask mask of 8 or 32 bits.
+ * @param rect area to paint; clipped to the destination.
+ * @param at mask pixel that lands on the area's top-left corner in the middle position.
+ * @param colour packed.
+ * @param length number of positions, rounded down to an even one; below 2 nothing is painted.
+ * @param angle direction in radians, clockwise from the right; not finite counts as 0.
+ * @return **true when the area is clipped away, false after drawing**. Intended. */
+PINCEL_API bool FiltroBrilloBlur(TSurfDesc& dst, TSurfDesc& mask, CRectangulo const& rect,
+                                 CPunto const& at, unsigned long colour, int length, float angle);
+
+/** Paints colour 0xFFFFFF through a mask, once.
+ * @param dst destination of 16, 24 or 32 bits; 16 bits take the low half of the colour.
+ * @param mask mask of 8 or 32 bits.
+ * @param rect area to paint; clipped to the destination.
+ * @param at mask pixel that lands on the area's top-left corner.
+ * @param level step, 256 for the mask as it is; its low 16 bits are read.
+ * @return **true when the area is clipped away, false after drawing**. Intended. */
+PINCEL_API bool FiltroMotionMask(TSurfDesc& dst, TSurfDesc& mask, CRectangulo const& rect,
+                                 CPunto const& at, int level);
+
+/** @} */
+
+/** @defgroup effect Anti-aliasing, tone, masks and shadows
+ * Operations on whole surfaces.
+ *
+ * *Coverage images* of the anti-aliasing keep their value in the first byte of a pixel, blue (at 16
+ * bits in the blue field). **Rows 2 to height - 3 are processed, and in each of them the pixels from
+ * column 1 to one past the last column**, which is the first of the next row or lies in the padding.
+ * Everything is read from a copy taken before. A processed pixel gets its value in the first byte
+ * and 0 in the second and third; the fourth is kept, and so are the alpha bits of 16-bit pixels.
+ * When there is no memory for the copy, nothing is changed and the result is false.
+ * @{ */
+
+/** Softens a coverage image: 16 times the value plus its eight neighbours, by 8, up to 255.
+ * @param image any format; 8 bits are left as they are.
+ * @param rect not read. @param other not read. @param level no effect.
+ * @return true; false for an unsupported format. */
+PINCEL_API bool DoAntiAlias(TSurfDesc& image, CRectangulo const& rect, TSurfDesc& other,
+                            unsigned short level);
+
+/** Softens a coverage image by a cross of radius 2, weights 3 at distance 1 and -1 at distance 2 and
+ * in the middle, times 0.136986301369863, truncated, 0 to 255; only pixels of a value other than 0.
+ *
+ * **Only width x pitch bytes of the image are copied**: the lower rows of an image that is higher than
+ * wide read as 0, and its processed pixels there become 0. At 24 bits a pixel of value 0 is restored
+ * from the copy with the byte behind it. Intended.
+ * @param image 16, 24 or 32 bits.
+ * @param rect not read. @param other not read. @param level no effect.
+ * @return true; false for other formats, 8 bits included. */
+PINCEL_API bool DoAntiAlias2(TSurfDesc& image, CRectangulo const& rect, TSurfDesc& other,
+                             unsigned short level);
+
+/** Turns a coverage image into a map of edges.
+ *
+ * The bytes from row 2, column 2 on are walked in place, (height - 4) x pitch - 4 of them. A byte of
+ * 0 stays. Any other becomes 3 plus a bit for each neighbour that is greater than the threshold: 128
+ * two rows above, 64 above, 32 above left, 16 two to the left, 8 left, 4 below left. **The threshold is
+ * the second byte of the number of bytes still to go**, and neighbours that the walk has passed
+ * already are edge codes. Intended.
+ * @param image taken as 8 bits a pixel, whatever its format.
+ * @param level 256 leaves the codes as they are; else all bytes of the buffer (in units of four) are
+ *        multiplied by its low byte and divided by 256.
+ * @return true. */
+PINCEL_API bool DoAntiAliasBMP(TSurfDesc& image, unsigned short level);
+
+/** Darkens a surface: every channel becomes channel x factor / 256.
+ *
+ * **The fourth byte of 32-bit pixels is scaled by the low byte of the surface's height instead.** At
+ * 16 bits the first width x height pixels of the buffer are scaled, **whatever the pitch**; alpha bits
+ * are kept. At 8 bits the indices themselves are scaled, padding included, in units of four bytes: up
+ * to three at the end of the buffer are left. Intended.
+ * @param image any format.
+ * @param factor 0 to 255; from 256 on nothing is changed.
+ * @return true; false for an unsupported format and a factor below 256. */
+PINCEL_API bool DoFactor(TSurfDesc& image, unsigned short factor);
+
+/** Fills a surface with a ramp from one colour on the left to another on the right.
+ *
+ * Channels run in 16.16 fixed point by trunc((to - from) / width x 65536) a pixel, so **the last column
+ * is a step short of `to`**. 16 bits truncate; alpha bits and the fourth byte are 0.
+ * @param image 16, 24 or 32 bits.
+ * @param from true colour of the first column. @param to true colour behind the last.
+ * @return true; false for other formats, 8 bits included, and for a width of 0. */
+PINCEL_API bool DoGradient(TSurfDesc& image, unsigned long const& from, unsigned long const& to);
+
+/** Makes a mask of a picture: 0 where the pixel is transparent, a level elsewhere.
+ *
+ * Pixels equal to the colour key are transparent (low 24 bits compared at 24 and 32 bits, 16 at 16, the
+ * index at 8). **A source without a key compares with 0**: its black is transparent. Intended.
+ * @param mask 8-bit surface to fill; its size counts.
+ * @param src source of any format **but 1555**, at least as large.
+ * @param level 256 writes 255; else its low byte is written.
+ * @return true; false for an unsupported source and **for 1555**. */
+PINCEL_API bool CreateMask(TSurfDesc& mask, TSurfDesc& src, unsigned short level);
+
+/** Grows a shadow out of a mask, downwards and to the right.
+ *
+ * A value below 240 becomes the weighted mean of the shadow above, above left (twice) and to the left,
+ * less `decay` and at most `limit`, if that is more than the mask's own value. Row 0 and column 0 are
+ * left as they are, and the buffers are walked as one run of bytes: column 0 of later rows reads what
+ * lies before it in memory.
+ *
+ * The mask is an 8-bit surface, the first byte of 32-bit pixels, or the highest channel, expanded to 8
+ * bits, of 24- and 16-bit ones. An 8-bit mask needs an 8-bit shadow. **A 32-bit mask takes any other
+ * shadow for one of 32 bits**, and there rows are walked without their pitch: give both 4 x width.
+ * @param shadow surface to write, 8 or 32 bits, of the source's size.
+ * @param src mask, any format **but 1555**.
+ * @param decay loss per pixel, 0 to 255. @param limit largest value of the shadow, 0 to 255.
+ * @param factor 256, or a level by which the whole shadow is scaled afterwards (bytes 0 to 2 at 32
+ *        bits): its low byte.
+ * @return true; false for an unsupported source, **for 1555**, and for an 8-bit source with another
+ *         shadow. */
+PINCEL_API bool CreateShadow(TSurfDesc& shadow, TSurfDesc& src, unsigned char decay,
+                             unsigned char limit, unsigned short factor);
 
 /** @} */
 
