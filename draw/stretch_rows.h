@@ -1,0 +1,62 @@
+// Row kernels of scaling, for the instruction set of the machine. Which pixels are read is worked out
+// by the caller, in tiles: the columns once for all rows, and the addresses of each row.
+#ifndef DRAW_STRETCH_ROWS_H_
+#define DRAW_STRETCH_ROWS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace pincel {
+
+constexpr size_t kTileColumns = 1024, kTileRows = 64;
+
+// The columns that a row of pixels is taken from: not descending, from 0 to `last`.
+struct TileColumns {
+  size_t width;
+  int32_t last;
+  int32_t at[kTileColumns];
+};
+
+// Single pixels, copied. At 4 bytes per pixel the fourth one can be left as it is.
+struct CopiedRow {
+  uint8_t* dst;
+  const uint8_t* src;
+};
+void CopyColumns(int pixel_bytes, bool keep_fourth_byte, const TileColumns& columns,
+                 const CopiedRow* rows, size_t height);
+
+// Four neighbours, mixed into three bytes.
+struct MixedColumns : TileColumns {
+  uint16_t right[kTileColumns];  // how far to the next column, in 1/65536
+};
+struct MixedRow {
+  uint8_t* dst;
+  const uint8_t *top, *bottom;
+  uint32_t down;  // how far from `top` to `bottom`, in 1/65536
+  // Bytes to the right neighbours of the pixels of the last column.
+  int32_t top_right, bottom_right;
+};
+enum class Mixing {
+  kSmooth,       // by weights
+  kInterpolate,  // along the rows, then between them
+};
+void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, const MixedRow* rows,
+                size_t height);
+
+// One destination row from the averages of blocks of pixels.
+struct Blocks {
+  size_t count;         // at most 255
+  uint8_t widths[255];  // how many source columns fall on each pixel
+};
+struct AveragedRow {
+  uint8_t* dst;
+  const uint8_t* src;
+  ptrdiff_t src_pitch;
+  uint32_t height;  // source rows, 1 to 255
+};
+// Leaves out pixels without columns.
+void AverageBlocks(int pixel_bytes, const Blocks& blocks, const AveragedRow& row);
+
+}  // namespace pincel
+
+#endif  // DRAW_STRETCH_ROWS_H_
