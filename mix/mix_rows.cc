@@ -58,29 +58,39 @@ HWY_INLINE void WithRule(int format, MaskRule rule, Body&& body) {
   scales ? body(Rule<true>{rule}) : body(Rule<false>{rule});
 }
 
-template <class F, class D16, class V16 = hn::VFromD<D16>>
-HWY_INLINE V16 GetField(D16 d16, V16 word) {
-  const auto low = hn::ShiftRight<F::kLow>(word);
-  if constexpr (F::kLow + F::kWidth == 16) return low;
-  return hn::And(low, hn::Set(d16, F::kMax));
+// How far one field moves, in its place, for weights of 0 to 256 (in 256ths, rounded down). Fields
+// above the lowest stay where they are and use the upper half of a product with the weight at `kUp`.
+template <class F, int kUp, class D16, class V16 = hn::VFromD<D16>>
+HWY_INLINE V16 FieldMove(D16 d16, V16 dst, V16 src, V16 weight) {
+  static_assert(F::kMax * 256 < 0x8000);  // products of the lowest field have a sign
+  const hn::RebindToSigned<D16> di16;
+  const V16 field = hn::Set(d16, F::kMask);
+  if constexpr (F::kLow + F::kWidth == 16) {
+    const V16 difference = hn::Sub(hn::ShiftRight<F::kLow>(src), hn::ShiftRight<F::kLow>(dst));
+    return hn::And(hn::Mul(difference, hn::ShiftLeft<F::kLow - 8>(weight)), field);
+  } else {
+    const V16 difference = hn::Sub(hn::And(src, field), hn::And(dst, field));
+    if constexpr (F::kLow == 0) {
+      return hn::BitCast(d16, hn::ShiftRight<8>(hn::BitCast(di16, hn::Mul(difference, weight))));
+    } else {
+      const auto product =
+          hn::MulHigh(hn::BitCast(di16, difference), hn::BitCast(di16, hn::ShiftLeft<kUp>(weight)));
+      const V16 move = hn::ShiftLeft<8 - kUp>(hn::BitCast(d16, product));
+      return F::kLow + kUp > 8 ? hn::And(move, field) : move;
+    }
+  }
 }
-template <class F, class D16, class V16 = hn::VFromD<D16>>
-HWY_INLINE V16 PutField(D16 d16, V16 value) {
-  if constexpr (F::kLow + F::kWidth == 16) return hn::ShiftLeft<F::kLow>(value);
-  return hn::ShiftLeft<F::kLow>(hn::And(value, hn::Set(d16, F::kMax)));
-}
-template <class F, class D16, class V16 = hn::VFromD<D16>>
-HWY_INLINE V16 MixFieldOf(D16 d16, V16 dst, V16 src, V16 weight) {
-  const auto from = GetField<F>(d16, dst), to = GetField<F>(d16, src);
-  const auto part = hn::ShiftRight<8>(hn::Mul(hn::Sub(to, from), weight));
-  return PutField<F>(d16, hn::Add(from, part));
-}
-// A weight for each field.
+// A weight of 0 to 256 for each field. The results stay in their fields, so the moves can be added to
+// the whole pixel; what is left above the fields is cleared.
 template <class Format, class D16, class V16 = hn::VFromD<D16>>
 HWY_INLINE V16 MixFieldsOf(D16 d16, V16 dst, V16 src, V16 blue, V16 green, V16 red) {
-  return hn::Or(MixFieldOf<typename Format::Blue>(d16, dst, src, blue),
-                hn::Or(MixFieldOf<typename Format::Green>(d16, dst, src, green),
-                       MixFieldOf<typename Format::Red>(d16, dst, src, red)));
+  constexpr int kUp = 8 - Format::Green::kLow;
+  const V16 mixed =
+      hn::Add(hn::Add(dst, FieldMove<typename Format::Blue, kUp>(d16, dst, src, blue)),
+              hn::Add(FieldMove<typename Format::Green, kUp>(d16, dst, src, green),
+                      FieldMove<typename Format::Red, kUp>(d16, dst, src, red)));
+  constexpr uint16_t kColour = kColourMask<Format>;
+  return kColour == 0xFFFF ? mixed : hn::And(mixed, hn::Set(d16, kColour));
 }
 
 struct MixByteKernel {
@@ -98,10 +108,12 @@ struct MixByteKernel {
   }
 };
 
-template <class Format>
+// Other weights than 0 to 256 come with the ends of rows and with palettes: plain code will do.
+template <class Format, bool any_weight>
 struct MixFieldKernel {
   using Lane = uint16_t;
   static constexpr size_t kDstBytes = 2, kSrcBytes = 2;
+  static constexpr bool kVectorWins = !any_weight;
   uint32_t weight;
 
   template <class D>
@@ -156,23 +168,20 @@ struct MixFieldQuartersKernel {
   static constexpr size_t kDstBytes = 2, kSrcBytes = 2;
   static constexpr bool kVectorWins = form != Quarters::kAtRowEnd;  // three pixels at most
 
-  template <class F, class D, class V = hn::VFromD<D>>
-  static HWY_INLINE V SumThenCut(D d, V dst, V src) {
-    const auto field = hn::Set(d, uint16_t(F::kMask));
-    const auto sum = MixQuartersOf<quarters>(d, hn::And(dst, field), hn::And(src, field),
-                                             uint16_t(0xFFFF), uint16_t(0xFFFF));
-    return hn::And(sum, field);
-  }
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src) const {
     const auto to = LoadPixels(d, dst), from = LoadPixels(d, src);
     if constexpr (form == Quarters::kInGroup) {
+      // What is cut from green and red after the sum lies below them, red's where green will be.
       using Blue = typename Format::Blue;
-      const auto blue = MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfField<Blue>),
-                                                uint16_t(kQuarterField<Blue>));
-      const auto green = SumThenCut<typename Format::Green>(d, to, from);
-      const auto red = SumThenCut<typename Format::Red>(d, to, from);
-      hn::StoreU(hn::Or(blue, hn::Or(green, red)), d, As<Lane>(out));
+      constexpr uint32_t kGreen = Format::Green::kMask, kRed = Format::Red::kMask;
+      const auto green =
+          MixQuartersOf<quarters>(d, to, from, uint16_t(kGreen >> 1), uint16_t(kGreen >> 2));
+      const auto others =
+          MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfField<Blue> | kRed >> 1),
+                                  uint16_t(kQuarterField<Blue> | kRed >> 2));
+      hn::StoreU(hn::BitwiseIfThenElse(hn::Set(d, uint16_t(kGreen)), green, others), d,
+                 As<Lane>(out));
     } else {
       hn::StoreU(MixQuartersOf<quarters>(d, to, from, uint16_t(kHalfMask<Format>),
                                          uint16_t(kQuarterMask<Format>)),
@@ -373,7 +382,11 @@ HWY_INLINE void WithQuarters(int quarters, Body&& body) {
 void MixByteRows(const SourceRows& bytes, int weight) { OnceRows(MixByteKernel{weight}, bytes); }
 
 void MixFieldRows(int format, const SourceRows& rows, uint32_t weight) {
-  WithFields(format, [&](auto f) HWY_ATTR { OnceRows(MixFieldKernel<decltype(f)>{weight}, rows); });
+  WithFields(format, [&](auto f) HWY_ATTR {
+    using Format = decltype(f);
+    weight <= 256 ? OnceRows(MixFieldKernel<Format, false>{weight}, rows)
+                  : OnceRows(MixFieldKernel<Format, true>{weight}, rows);
+  });
 }
 
 void MixByteQuarters(const SourceRows& bytes, int quarters) {
