@@ -638,31 +638,6 @@ TEST(HostileJpeg, ScansAreLimited) {
   }
 }
 
-void LoadWithEverything(const Bytes& file) {
-  ScannedSize(file);
-  TSurfDesc info{};
-  pincel_load_info_jpg(info, file.data(), file.size());
-  for (int format : kFormats) {
-    for (int size : {1, 40, 300}) {
-      Picture p = Blank(format, size, size, 1);
-      Load(p, file);
-      LoadBounded(p, file);
-    }
-  }
-}
-
-TEST(HostileJpeg, FilesAreSurvived) {
-  const auto start = std::chrono::steady_clock::now();
-  int files = 0;
-  for (const auto& path : support::FilesIn(PINCEL_SOURCE_DIR "/tests/data/hostile", ".jpg")) {
-    SCOPED_TRACE(path.filename().string());
-    LoadWithEverything(support::BytesOf(path));
-    ++files;
-  }
-  EXPECT_GT(files, 10);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
-}
-
 // Small files with some bytes changed; no pixel outside the surface may change.
 TEST(HostileJpeg, ChangedBytes) {
   ForEachCase(600, [](Random& random, int) {

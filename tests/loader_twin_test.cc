@@ -1,11 +1,10 @@
-// The loaders that know the file's length: they agree with the others on good files and survive the
-// rest. Every file stands in a block of exactly its size, so that the address sanitizer sees a read
-// outside.
+// The loaders that know the file's length: they agree with the others on good files and say what is
+// wrong with the rest. Every file stands in a block of exactly its size, so that the address
+// sanitizer sees a read outside.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -793,97 +792,6 @@ TEST(BoundedBmp, AgreesWithAnotherDecoder) {
       rgb.insert(rgb.end(), {uint8_t(pixel >> 16), uint8_t(pixel >> 8), uint8_t(pixel)});
     }
     EXPECT_EQ(support::Crc32(rgb), reference.crc) << reference.file;
-  }
-}
-
-// Every entry point, on surfaces that are smaller than the image, as large, and larger.
-void LoadWithEverything(const ByteVector& bytes) {
-  const Exact file(bytes);
-  for (int format : model::kFormats) {
-    for (int size : {1, 40, 300}) {
-      Picture p = Blank(format, size, size, 1);
-      TSurfDesc surface = Describe(p);
-      TSurfDesc info{};
-      pincel_load_info_bmp(info, file.data(), file.size());
-      pincel_load_info_gif(info, file.data(), file.size());
-      pincel_load_bmp(surface, file.data(), file.size());
-      TGifFrame frame{};
-      while (pincel_gif_frame(frame, file.data(), file.size()) == PINCEL_OK) {
-        pincel_load_gif(surface, file.data(), file.size(), frame);
-      }
-      // The others take the surface whole and the file with something behind it.
-      p.bytes.resize(size_t(p.pitch) * size_t(size));
-      surface = Describe(p);
-      support::GifInMemory memory(bytes);
-      CQXGIF gif{};
-      RAW record;
-      record.width = record.height = 0;
-      if (LoadInfoGIF(info, memory.Data(), gif, record)) {
-        while (gif.cursor < memory.Data() + bytes.size() &&
-               LoadGIFNext(surface, nullptr, gif, record)) {
-          LoadGIF(surface, nullptr, gif, record);
-        }
-      }
-    }
-  }
-}
-
-TEST(HostileFiles, AreSurvived) {
-  const auto start = std::chrono::steady_clock::now();
-  int files = 0;
-  for (const char* extension : {".gif", ".bmp"}) {
-    for (const auto& path : support::FilesIn(PINCEL_SOURCE_DIR "/tests/data/hostile", extension)) {
-      SCOPED_TRACE(path.filename().string());
-      LoadWithEverything(support::BytesOf(path));
-      ++files;
-    }
-  }
-  EXPECT_GT(files, 40);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
-}
-
-TEST(HostileFiles, WhatTheyReport) {
-  const auto bmp = [](const std::string& name) {
-    const Exact file(support::BytesOf(PINCEL_SOURCE_DIR "/tests/data/hostile/" + name));
-    Picture p = Blank(24, 1000, 1000);
-    return LoadBmp(p, file);
-  };
-  EXPECT_EQ(bmp("gd-truncated.bmp"), PINCEL_TRUNCATED);
-  EXPECT_EQ(bmp("bmpsuite-badheadersize.bmp"), PINCEL_UNSUPPORTED);
-  EXPECT_EQ(bmp("bmpsuite-badwidth.bmp"), PINCEL_CORRUPT);
-  EXPECT_EQ(bmp("bmpsuite-badpalettesize.bmp"), PINCEL_OK);
-  const auto gif = [](const std::string& name) {
-    const Exact file(support::BytesOf(PINCEL_SOURCE_DIR "/tests/data/hostile/" + name));
-    Picture p = Blank(24, 1000, 1000);
-    return LoadGif(p, file);
-  };
-  EXPECT_EQ(gif("gifconf-truncated_lzw.gif"), PINCEL_TRUNCATED);
-  EXPECT_EQ(gif("wuffs-hippopotamus.interlaced.truncated.gif"), PINCEL_TRUNCATED);
-  EXPECT_EQ(gif("wuffs-art-no-frames.gif"), PINCEL_NO_FRAME);
-  EXPECT_EQ(gif("pillow-decompression_bomb.gif"), PINCEL_CORRUPT);
-  EXPECT_EQ(gif("wuffs-art-zero-width-frame.gif"), PINCEL_OK);
-}
-
-// Small files with one byte changed at a time.
-TEST(HostileFiles, ChangedBytes) {
-  GifImage image = Image(9, 7, ByteVector(63, 2));
-  image.interlaced = true;
-  image.before = support::GraphicControl(1, 2, 3);
-  std::vector<ByteVector> files = {File({image}).Bytes()};
-  for (int bits : {4, 8, 24}) {
-    BmpFile file = Bmp(9, 7, bits, ByteVector(size_t(7 * BmpStride(9, bits)), 2));
-    files.push_back(file.Bytes());
-    file.compression = bits == 8 ? 1 : 2;
-    if (bits < 24) files.push_back(file.Bytes());
-  }
-  for (const ByteVector& file : files) {
-    for (size_t i = 0; i < std::min<size_t>(file.size(), 80); ++i) {
-      for (uint8_t value : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
-        ByteVector changed = file;
-        changed[i] = value;
-        LoadWithEverything(changed);
-      }
-    }
   }
 }
 
