@@ -70,6 +70,25 @@ HWY_INLINE V BlendBytes(Overlay, D8 d8, V a, V b) {
   return hn::Xor(product, upside_down);
 }
 
+// Moves bytes towards their blends. Weights are those of the bytes at even and at odd places, in lanes
+// of 16 bits; where the source takes part in the weight, a mask byte of 0 is the caller's affair.
+template <class Formula, class D8, class V = hn::VFromD<D8>, class V16 = hn::VFromD<Wide<D8>>>
+HWY_INLINE V InterpolateBytes(D8 d8, V dst, V src, V blended, V16 even_weight, V16 odd_weight) {
+  const Wide<D8> d16;
+  const V16 low = hn::Set(d16, 0x00FF), high = hn::Set(d16, 0xFF00);
+  const V16 from = hn::BitCast(d16, dst), to = hn::BitCast(d16, blended);
+  if constexpr (Formula::kSourceInWeight) {
+    const V16 with = hn::BitCast(d16, src);
+    even_weight = hn::Or(even_weight, hn::ShiftLeft<8>(with));
+    odd_weight = hn::OrAnd(odd_weight, with, high);
+  }
+  const V16 even = hn::Mul(hn::Sub(hn::And(to, low), hn::And(from, low)), even_weight);
+  const V16 odd = hn::Mul(hn::Sub(hn::ShiftRight<8>(to), hn::ShiftRight<8>(from)), odd_weight);
+  // The upper byte of each product is what is added.
+  const V16 moves = hn::OrAnd(hn::ShiftRight<8>(even), odd, high);
+  return hn::Add(dst, hn::BitCast(d8, moves));
+}
+
 // A kernel: see row_kernels-inl.h. Each file defines them for its formats.
 template <class Format, class Formula>
 struct BlendKernel;

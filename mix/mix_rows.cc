@@ -4,7 +4,7 @@
 #define HWY_TARGET_INCLUDE "mix/mix_rows.cc"
 #include "hwy/foreach_target.h"  // must come before highway.h
 #include "hwy/highway.h"
-#include "surface/row_kernels-inl.h"
+#include "surface/pixels-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pincel {
@@ -212,9 +212,7 @@ struct MixMaskedKernel32 {
                          const uint8_t* mask) const {
     const hn::Repartition<uint8_t, D> d8;
     const hn::Repartition<uint16_t, D> d16;
-    const auto bytes = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
-    const auto pairs = hn::BitCast(d16, hn::Or(bytes, hn::ShiftLeft<16>(bytes)));
-    const auto weights = rule.ByteWeights(d16, pairs);
+    const auto weights = rule.ByteWeights(d16, hn::BitCast(d16, LoadWeights(d, mask)));
     hn::StoreU(MixBytes(d8, LoadPixels(d8, dst), LoadPixels(d8, src), weights, weights), d8, out);
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
@@ -234,18 +232,19 @@ struct MixMaskedKernel24 {
   template <class D>
   HWY_INLINE void Vector(D d, uint8_t* out, const uint8_t* dst, const uint8_t* src,
                          const uint8_t* mask) const {
-    const hn::Repartition<uint16_t, D> d16;
-    constexpr size_t kLanes = hn::MaxLanes(D());
-    HWY_ALIGN uint8_t three_times[3 * kLanes];
     const auto once = hn::LoadU(d, mask);
-    hn::StoreInterleaved3(once, once, once, d, three_times);
-    for (size_t i = 0; i < 3 * kLanes; i += kLanes) {
-      const auto bytes = hn::BitCast(d16, hn::LoadU(d, three_times + i));
+    const auto mix = [&](size_t third, auto three_times) HWY_ATTR {
+      const size_t at = third * hn::MaxLanes(d);
+      const hn::Repartition<uint16_t, D> d16;
+      const auto bytes = hn::BitCast(d16, three_times);
       const auto even = rule.ByteWeights(d16, hn::And(bytes, hn::Set(d16, 255)));
       const auto odd = rule.ByteWeights(d16, hn::ShiftRight<8>(bytes));
-      hn::StoreU(MixBytes(d, LoadPixels(d, dst + i), LoadPixels(d, src + i), even, odd), d,
-                 out + i);
-    }
+      hn::StoreU(MixBytes(d, LoadPixels(d, dst + at), LoadPixels(d, src + at), even, odd), d,
+                 out + at);
+    };
+    mix(0, RepeatThreeTimes<0>(d, once));
+    mix(1, RepeatThreeTimes<1>(d, once));
+    mix(2, RepeatThreeTimes<2>(d, once));
   }
   HWY_INLINE void Pixel(uint8_t* out, const uint8_t* dst, const uint8_t* src,
                         const uint8_t* mask) const {

@@ -270,6 +270,99 @@ HWY_INLINE hn::VFromD<D8> BlockOrder(D8 d8, hn::VFromD<D8> plane) {
   }
 }
 
+// Mask bytes as 16-bit numbers, each for both halves of its pixel's word: m 0 m 0.
+template <class D, class V = hn::VFromD<D>>
+HWY_INLINE V LoadWeights(D d, const uint8_t* mask) {
+  constexpr size_t kLanes = hn::MaxLanes(D());
+  if constexpr (kHaveByteShuffle && kLanes >= 4) {
+    // Every block of 16 bytes gets all mask bytes and picks its own four.
+    const hn::Repartition<uint8_t, D> d8;
+    static constexpr auto kFrom =
+        MakeTable<uint8_t, kLanes * 4>([](size_t i) { return i % 2 == 0 ? i / 4 : 0x80; });
+    hn::VFromD<decltype(d8)> bytes;
+    if constexpr (kLanes == 16) {
+      bytes = hn::LoadDup128(d8, mask);
+    } else if constexpr (kLanes == 8) {
+      bytes = hn::BitCast(d8, hn::Set(hn::Repartition<uint64_t, D>(), LoadWord<uint64_t>(mask)));
+    } else {
+      bytes = hn::BitCast(d8, hn::Set(d, LoadWord<uint32_t>(mask)));
+    }
+    return hn::BitCast(d, hn::TableLookupBytesOr0(bytes, hn::Load(d8, kFrom.at)));
+  } else {
+    const V m = hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), mask));
+    return hn::Or(m, hn::ShiftLeft<16>(m));
+  }
+}
+
+// Every byte three times, for the channels of 24-bit pixels: one of the three vectors that they fill.
+template <size_t third, class D8, class V = hn::VFromD<D8>>
+HWY_INLINE V RepeatThreeTimes(D8 d8, V bytes) {
+  constexpr size_t kSize = hn::MaxLanes(D8());
+  constexpr auto source = [](size_t i) { return (third * kSize + i) / 3; };
+  if constexpr (kHaveByteTables && kSize > 16) {
+    static constexpr auto kFrom = MakeTable<uint8_t, kSize>(source);
+    return hn::TableLookupLanes(bytes, hn::SetTableIndices(d8, kFrom.at));
+  } else {
+    // The words that hold what a block of 16 bytes needs go to that block first.
+    constexpr auto first_word = [=](size_t i) {
+      return kSize > 16 ? source(i & ~size_t{15}) / 4 : 0;
+    };
+    auto blocks = bytes;
+    if constexpr (kSize > 16) {
+      const WordTag<D8> d32;
+      static constexpr auto kWord = MakeTable<uint32_t, kSize / 4>(
+          [=](size_t i) { return HWY_MIN(first_word(4 * i) + i % 4, kSize / 4 - 1); });
+      blocks = hn::BitCast(
+          d8, hn::TableLookupLanes(hn::BitCast(d32, bytes), hn::SetTableIndices(d32, kWord.at)));
+    }
+    static constexpr auto kByte =
+        MakeTable<uint8_t, kSize>([=](size_t i) { return source(i) - 4 * first_word(i); });
+    return hn::TableLookupBytes(blocks, hn::Load(d8, kByte.at));
+  }
+}
+
+// Three vectors of 24-bit pixels, or what belongs to their bytes.
+template <class V>
+struct Thirds {
+  V v0, v1, v2;
+};
+template <class D8>
+HWY_INLINE Thirds<hn::VFromD<D8>> LoadThirds(D8 d8, const uint8_t* p) {
+  constexpr size_t kSize = hn::MaxLanes(D8());
+  return {LoadPixels(d8, p), LoadPixels(d8, p + kSize), LoadPixels(d8, p + 2 * kSize)};
+}
+
+// The bytes of those 24-bit pixels that equal the pixel repeated in `key`.
+template <class D8, class V = hn::VFromD<D8>>
+HWY_INLINE Thirds<hn::MFromD<D8>> EqualTriples(D8 d8, const Thirds<V>& pixels, const uint8_t* key) {
+  constexpr size_t kSize = hn::MaxLanes(D8());
+  const auto equal = [&](size_t third, V bytes) HWY_ATTR {
+    uint8_t bits[8] = {};
+    hn::StoreMaskBits(d8, hn::Eq(bytes, hn::LoadU(d8, key + third * kSize)), bits);
+    return LoadWord<uint64_t>(bits);
+  };
+  const uint64_t e0 = equal(0, pixels.v0), e1 = equal(1, pixels.v1), e2 = equal(2, pixels.v2);
+  // A bit for the first byte of each pixel that has all three; in the second vector that is every
+  // third byte from kPhase1 on.
+  constexpr uint64_t kFirst = 0x9249249249249249;
+  const auto first = [](uint64_t low, uint64_t high, size_t phase) {
+    const uint64_t second = low >> 1 | high << (kSize - 1);
+    const uint64_t third = low >> 2 | high << (kSize - 2);
+    return low & second & third & (kFirst << phase);
+  };
+  constexpr size_t kPhase1 = 2 * kSize % 3, kPhase2 = kSize % 3;
+  static_assert((kSize + kPhase1) % 3 == 0 && (2 * kSize + kPhase2) % 3 == 0);
+  const uint64_t f0 = first(e0, e1, 0), f1 = first(e1, e2, kPhase1), f2 = first(e2, 0, kPhase2);
+  // Back to three bytes each. The last pixel has its last kPhase1 (1 or 2) bytes in the next vector.
+  // Bits from kSize on are not read.
+  const uint64_t rest_0 = (f0 >> (kSize - 3 + kPhase1)) * (2 * kPhase1 - 1);
+  const uint64_t rest_1 = (f1 >> (kSize - 3 + kPhase2)) * (2 * kPhase2 - 1);
+  const auto mask = [&](uint64_t bits) HWY_ATTR {
+    return hn::LoadMaskBits(d8, reinterpret_cast<uint8_t*>(&bits));
+  };
+  return {mask(f0 * 7), mask(f1 * 7 | rest_0), mask(f2 * 7 | rest_1)};
+}
+
 #endif  // HWY_TARGET != HWY_SCALAR
 
 }  // namespace HWY_NAMESPACE
