@@ -121,6 +121,8 @@ int main(int argc, char** argv) {
   bench::AddFloods();
   bench::AddMixes();
   bench::AddBlends();
+  bench::AddStretches();
+  bench::AddTransforms();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   benchmark::RunSpecifiedBenchmarks();

@@ -135,6 +135,8 @@ void AddLines();
 void AddFloods();
 void AddMixes();
 void AddBlends();
+void AddStretches();
+void AddTransforms();
 
 }  // namespace bench
 
