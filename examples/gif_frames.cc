@@ -1,0 +1,37 @@
+// Writes every frame of an animated GIF file as a viewer shows it: gif_frames animation.gif folder
+//
+// The frames become frame-1.bmp, frame-2.bmp, ..., transparent parts white, and a line each says how
+// long it is shown.
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include "files.h"
+#include "gif_animation.h"
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: gif_frames animation.gif folder\n");
+    return 2;
+  }
+  try {
+    GifAnimation animation(ReadFile(argv[1]));
+    for (int number = 1; animation.Next(); ++number) {
+      HostSurface shown = animation.Screen();
+      for (int y = 0; y < shown.height; ++y) {
+        for (int x = 0; x < shown.width; ++x) {
+          const bool empty = shown.Display(x, y) >> 24 == 0;
+          if (empty) IdxFillRect(shown, {x, y, x + 1, y + 1}, 0xFFFFFFFF);
+        }
+      }
+      const std::string name = "frame-" + std::to_string(number) + ".bmp";
+      const File file = BitmapFileOf(shown);
+      WriteFile(std::string(argv[2]) + "/" + name, file.data(), file.size());
+      std::printf("%s %d.%02d s\n", name.c_str(), animation.Frame().delay / 100,
+                  animation.Frame().delay % 100);
+    }
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
