@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "gif_animation.h"
+
 namespace {
 
 constexpr uint32_t kRed = 0xE02020, kGold = 0xF0B020, kSky = 0x40A0F0, kInk = 0x102040,
@@ -109,9 +111,12 @@ class MixPalette {
   TRGBA saved_[256];
 };
 
-// A GIF file. They lie in a folder beside that of the BMP files.
+// GIF and JPEG files lie in folders beside that of the BMP files.
 File GifFile(const Assets& assets, const char* name) {
   return assets.Read(std::string("../gif/") + name);
+}
+File JpegFile(const Assets& assets, const char* name) {
+  return assets.Read(std::string("../jpg/") + name);
 }
 
 std::string Text(bool value) { return value ? "true" : "false"; }
@@ -458,6 +463,41 @@ const std::vector<Operation>& Operations() {
          LoadGIFAlpha(mask, file.data(), gif, frame);
          LoadGIFAlphaEnd(mask, file.data(), gif, frame);
          shelf.Add("wuffs-hat.gif", mask);
+       })},
+      {"Loading", "pincel_gif_frame, pincel_load_gif",
+       "An animation as viewers show it: each frame is drawn into its rectangle, without its "
+       "transparent pixels, and disposed of before the next. examples/gif_animation.h does that.",
+       OnShelf([](Shelf& shelf) {
+         GifAnimation animation(GifFile(shelf.assets, "imagers-mixed-disposal.gif"));
+         while (animation.Next()) {
+           const TGifFrame& frame = animation.Frame();
+           shelf.Add("disposal " + std::to_string(frame.disposal) + ", " +
+                         std::to_string(frame.delay * 10) + " ms",
+                     animation.Screen());
+         }
+       })},
+      {"Loading", "LoadInfoJPG, LoadJPG",
+       "A photograph decoded straight into each format; at 8 bits dithered to lu_gPaleta.",
+       OnShelf([](Shelf& shelf) {
+         File file = JpegFile(shelf.assets, "wuffs-bricks-color.jpg");
+         for (const FormatFacts& facts : kFormats) {
+           TSurfDesc size{};
+           LoadInfoJPG(size, file.data(), long(file.size()));
+           HostSurface picture(facts.format, size.width, size.height);
+           LoadJPG(picture, file.data(), long(file.size()));
+           shelf.Add(facts.name, picture);
+         }
+       })},
+      {"Loading", "pincel_load_jpg of half a file",
+       "The loaders that know a file's length say what became of it: here that it ends early. What "
+       "came before is there.",
+       OnShelf([](Shelf& shelf) {
+         const File file = JpegFile(shelf.assets, "wuffs-bricks-color.jpg");
+         TSurfDesc size{};
+         pincel_load_info_jpg(size, file.data(), file.size());
+         HostSurface picture(Format::k32, size.width, size.height);
+         const pincel_status status = pincel_load_jpg(picture, file.data(), file.size() / 2);
+         shelf.Add("status " + std::to_string(status), picture);
        })},
       {"Loading", "LoadInfoPGF, LoadPGF", "Kept for an image format that is not supported.",
        OnShelf([](Shelf& shelf) {
