@@ -132,10 +132,14 @@ HWY_INLINE Columns ColumnsBetween(int64_t begin, int64_t end, int64_t pixel_byte
   return {column(begin), column(end)};
 }
 
-// A row of an area through a row of a mask of one byte per pixel.
-template <class Kernel>
-HWY_INLINE void PaintRow(const Kernel& kernel, uint8_t* dst, const uint8_t* mask, size_t width) {
-  OnceRow(hn::ScalableTag<typename Kernel::Lane>(), kernel, width, dst, Stream<1>{mask});
+// A row of an area through a row of a mask of one byte per pixel. Not inlined: it has two callers for
+// every format.
+template <class Format>
+HWY_NOINLINE void PaintRow(uint32_t colour, uint32_t step, uint8_t* dst, const uint8_t* mask,
+                           size_t width) {
+  using Kernel = PaintKernel<Format>;
+  OnceRow(hn::ScalableTag<typename Kernel::Lane>(), Kernel{colour, step}, width, dst,
+          Stream<1>{mask});
 }
 
 // 8 bits. The byte for row i of the area counts where it lies within row i of the mask, whatever row it
@@ -145,8 +149,8 @@ template <class Format>
 HWY_INLINE void PaintWithinRows(const Rows& area, uint32_t colour, const BlurMask& mask,
                                 std::span<const BlurPass> passes) {
   struct Stripe {
-    PaintKernel<Format> kernel;
     int64_t first, width, offset;
+    uint32_t step;
   };
   std::array<Stripe, kMostPasses> stripes;
   size_t count = 0;
@@ -154,16 +158,16 @@ HWY_INLINE void PaintWithinRows(const Rows& area, uint32_t colour, const BlurMas
     const int64_t offset = pass.y * mask.pitch + pass.x;
     const Columns columns = ColumnsBetween(-offset, mask.pitch - offset, 1, int64_t(area.width));
     if (columns.first >= columns.end) continue;
-    stripes[count++] = {
-        {colour, pass.step}, columns.first, columns.end - columns.first, offset + columns.first};
+    stripes[count++] = {columns.first, columns.end - columns.first, offset + columns.first,
+                        pass.step};
   }
   const int64_t rows = count == 0 ? 0 : std::min(int64_t(area.height), mask.height);
   for (int64_t i = 0; i < rows; ++i) {
     uint8_t* dst = area.dst + ptrdiff_t(i) * area.dst_pitch;
     const uint8_t* row = mask.pixels + ptrdiff_t(i * mask.pitch);
     for (const Stripe& stripe : std::span(stripes).first(count)) {
-      PaintRow(stripe.kernel, dst + stripe.first * Format::kBytes, row + stripe.offset,
-               size_t(stripe.width));
+      PaintRow<Format>(colour, stripe.step, dst + stripe.first * Format::kBytes,
+                       row + stripe.offset, size_t(stripe.width));
     }
   }
 }
@@ -176,9 +180,6 @@ HWY_INLINE void PaintWithinMemory(const Rows& area, uint32_t colour, const BlurM
   const int64_t width = int64_t(area.width), height = int64_t(area.height);
   const int64_t begin = std::min(int64_t{0}, (mask.height - 1) * mask.pitch);
   const int64_t end = begin + mask.height * std::abs(mask.pitch);
-  const auto columns_in = [&](int64_t offset) {
-    return ColumnsBetween(begin - offset, end - offset, kMaskBytes, width);
-  };
   std::array<BlurPass, kMostPasses> visible;
   size_t count = 0;
   for (const BlurPass& pass : passes) {
@@ -194,12 +195,12 @@ HWY_INLINE void PaintWithinMemory(const Rows& area, uint32_t colour, const BlurM
     uint8_t* dst = area.dst + ptrdiff_t(i) * area.dst_pitch;
     for (const BlurPass& pass : std::span(visible).first(count)) {
       const int64_t offset = (pass.y + i) * mask.pitch + pass.x * kMaskBytes;
-      const Columns columns = columns_in(offset);
+      const Columns columns = ColumnsBetween(begin - offset, end - offset, kMaskBytes, width);
       for (int64_t x = columns.first; x < columns.end; x += kPiece) {
         const size_t piece = size_t(std::min(kPiece, columns.end - x));
         const uint8_t* from = mask.pixels + ptrdiff_t(offset + x * kMaskBytes);
         ReadFirstBytes<kMaskBytes>(bytes, from, piece, 0xFF);
-        PaintRow(PaintKernel<Format>{colour, pass.step}, dst + x * Format::kBytes, bytes, piece);
+        PaintRow<Format>(colour, pass.step, dst + x * Format::kBytes, bytes, piece);
       }
     }
   }
