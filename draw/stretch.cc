@@ -216,6 +216,8 @@ void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   const uint32_t y_step = (uint32_t{src_height} << 16) / dst_height;
   Blocks blocks;
   blocks.count = dst_width;
+  blocks.least = x_step >> 16;
+  blocks.columns = dst_width * x_step >> 16;
   for (uint32_t x = 0; x < dst_width; ++x) blocks.widths[x] = BlockSize(x_step, x);
 
   const Memory dst_memory(dst), src_memory(src);

@@ -8,7 +8,7 @@
 
 namespace pincel {
 
-constexpr size_t kTileColumns = 1024, kTileRows = 64;
+constexpr size_t kTileColumns = 1024, kTileRows = 256;
 
 // The columns that a row of pixels is taken from: not descending, from 0 to `last`.
 struct TileColumns {
@@ -46,6 +46,8 @@ void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, con
 // One destination row from the averages of blocks of pixels.
 struct Blocks {
   size_t count;         // at most 255
+  uint32_t least;       // the smallest of the widths; the others are the same or one more
+  size_t columns;       // all source columns together, at most 255
   uint8_t widths[255];  // how many source columns fall on each pixel
 };
 struct AveragedRow {
