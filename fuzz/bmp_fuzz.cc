@@ -8,6 +8,7 @@
 #include <cstring>
 #include <vector>
 
+#include "fuzz/formats.h"
 #include "include/pincel.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -26,16 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   offset %= uint32_t(file_size + 1);
   std::memcpy(bitmap + 10, &offset, 4);
 
-  const struct {
-    uint32_t bpp, red, alpha;
-  } kFormats[] = {{8, 0, 0},
-                  {16, 0xF800, 0},
-                  {16, 0x7C00, 0},
-                  {16, 0x7C00, 0x8000},
-                  {16, 0x0F00, 0xF000},
-                  {24, 0xFF0000, 0},
-                  {32, 0xFF0000, 0}};
-  const auto& format = kFormats[data[2] % 7];
+  const Format& format = kFormats[data[2] % 7];
   const int row_bytes = width * int(format.bpp / 8);
   std::vector<uint8_t> pixels(size_t(row_bytes) * size_t(height));
   std::vector<TRGBA> palette(256);

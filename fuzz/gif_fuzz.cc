@@ -7,21 +7,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "fuzz/formats.h"
 #include "include/pincel.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size < 3) return 0;
   const int width = data[0] % 65, height = data[1] % 65;
-  const struct {
-    uint32_t bpp, red, alpha;
-  } kFormats[] = {{8, 0, 0},
-                  {16, 0xF800, 0},
-                  {16, 0x7C00, 0},
-                  {16, 0x7C00, 0x8000},
-                  {16, 0x0F00, 0xF000},
-                  {24, 0xFF0000, 0},
-                  {32, 0xFF0000, 0}};
-  const auto& format = kFormats[data[2] % 7];
+  const Format& format = kFormats[data[2] % 7];
   const bool indices_only = (data[2] & 0x80) != 0;
   const int padding = data[2] >> 3 & 3;
 
