@@ -1,0 +1,190 @@
+// One list of cases whose results are committed: every compiler, platform and instruction set must
+// give these bytes. After an intended change, PINCEL_CHECKSUMS_OUT=<file> in the environment makes
+// a run of all tests here append the new lines of filters.inc to that file.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "include/pincel.h"
+#include "tests/support/checksum.h"
+#include "tests/support/random.h"
+#include "tests/support/targets.h"
+
+namespace {
+
+using model::Describe;
+using model::Picture;
+using support::Random;
+
+struct Golden {
+  const char* operation;
+  uint32_t crc[7];  // by format of the destination
+};
+constexpr Golden kGolden[] = {
+#include "tests/checksums/filters.inc"
+};
+
+// The bytes that the cases leave in memory, one after the other.
+using Results = std::vector<uint8_t>;
+using Case = void (*)(Random& random, int format, Results& results);
+
+void Add(Results& results, const Picture& p, bool result) {
+  results.insert(results.end(), p.bytes.begin(), p.bytes.end());
+  results.push_back(uint8_t(result));
+}
+
+Picture AnyPicture(Random& random, int format, int height) {
+  support::PictureOptions options;
+  options.max_padding = random.OneIn(3) ? 0 : 7;
+  const int width = support::WidthOf(random.Below(support::kWidths));
+  return support::RandomPicture(random, format, width, height, options);
+}
+
+// Scratch memory for a picture, with contents of its own.
+Picture Scratch(Random& random, const Picture& image) {
+  return support::RandomPicture(random, 8, image.height * image.pitch, 1);
+}
+
+void TapsCase(Random& random, int format, Results& results) {
+  Picture image = AnyPicture(random, format, random.Between(1, 6));
+  Picture scratch = Scratch(random, image);
+  const int count = random.Between(0, 40), largest = random.OneIn(4) ? 1 << 26 : 20;
+  std::vector<int> weights(41);
+  std::vector<long> offsets(41);
+  for (int& weight : weights) weight = random.Between(-largest, largest);
+  for (long& offset : offsets) offset = random.Between(-3 * image.pitch, 3 * image.pitch);
+  int divisor = random.Between(-9, 99);
+  if (divisor == 0) divisor = 1 << 20;
+  const int bias = random.Between(-50, 200);
+  TSurfDesc i = Describe(image), s = Describe(scratch);
+  const bool result = DoConvolucion(i, s, count, weights.data(), offsets.data(), divisor, bias);
+  Add(results, image, result);
+  Add(results, scratch, result);
+}
+
+void FixedFilterCase(Random& random, int format, Results& results) {
+  Picture image = AnyPicture(random, format, random.Between(1, 6));
+  Picture scratch = Scratch(random, image);
+  TSurfDesc i = Describe(image), s = Describe(scratch);
+  for (auto filter : {DoSuavizado, DoEmboss, DoRealce}) {
+    const bool result = filter(i, s);
+    Add(results, image, result);
+    Add(results, scratch, result);
+  }
+}
+
+void KernelCase(Random& random, int format, Results& results) {
+  const Picture image = AnyPicture(random, format, random.Between(1, 6));
+  Picture scratch = Scratch(random, image);
+  for (int number = 0; number < 24; ++number) {
+    Picture filtered = image;
+    TSurfDesc i = Describe(filtered), s = Describe(scratch);
+    const bool result = FiltroMask(i, s, number);
+    Add(results, filtered, result);
+  }
+}
+
+struct Line {
+  Picture dst, mask;
+  CRectangulo rect;
+  CPunto at;
+  uint32_t colour;
+  int length;
+  float angle;
+};
+Line AnyLine(Random& random, int format) {
+  Line line{};
+  line.dst = AnyPicture(random, format, random.Between(1, 6));
+  line.mask = AnyPicture(random, random.OneIn(2) ? 8 : 32, random.Between(1, 6));
+  line.rect = {random.Between(-3, 3), random.Between(-3, 3), line.dst.width, 6};
+  line.at = {random.Between(-4, 4), line.rect.top < 0 ? line.rect.top : random.Between(-1, 1)};
+  line.colour = random.Next();
+  line.length = random.Between(0, 40);
+  line.angle = float(random.Between(-800, 800)) / 100;
+  return line;
+}
+
+void MotionBlurCase(Random& random, int format, Results& results) {
+  Line line = AnyLine(random, format);
+  TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
+  const bool result =
+      FiltroMotionBlur(d, m, line.rect, line.at, line.colour, line.length, line.angle);
+  Add(results, line.dst, result);
+}
+
+void GlowBlurCase(Random& random, int format, Results& results) {
+  Line line = AnyLine(random, format);
+  TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
+  const bool result =
+      FiltroBrilloBlur(d, m, line.rect, line.at, line.colour, line.length, line.angle);
+  Add(results, line.dst, result);
+}
+
+void MotionMaskCase(Random& random, int format, Results& results) {
+  Line line = AnyLine(random, format);
+  TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
+  const bool result = FiltroMotionMask(d, m, line.rect, line.at, random.Below(600));
+  Add(results, line.dst, result);
+}
+
+void AntiAliasCase(Random& random, int format, Results& results) {
+  const Picture image = AnyPicture(random, format, random.Between(4, 40));
+  for (auto soften : {DoAntiAlias, DoAntiAlias2}) {
+    Picture softened = image;
+    TSurfDesc d = Describe(softened), other{};
+    const bool result = soften(d, {}, other, 256);
+    Add(results, softened, result);
+  }
+}
+
+void EdgeCodesCase(Random& random, int format, Results& results) {
+  Picture image = AnyPicture(random, format, random.Between(4, 40));
+  for (uint8_t& byte : image.bytes) byte = random.OneIn(2) ? byte : 0;
+  TSurfDesc d = Describe(image);
+  const bool result =
+      DoAntiAliasBMP(d, static_cast<unsigned short>(random.OneIn(2) ? 256 : random.Below(400)));
+  Add(results, image, result);
+}
+
+void Check(const char* operation, Case body) {
+  const Golden* golden = nullptr;
+  for (const Golden& g : kGolden) {
+    if (std::strcmp(g.operation, operation) == 0) golden = &g;
+  }
+  std::string line;
+  support::ForEachTarget([&] {
+    std::vector<uint32_t> sums;
+    for (int format : model::kFormats) {
+      Results results;
+      for (uint64_t seed = 0; seed < 50; ++seed) {
+        Random random(seed);
+        body(random, format, results);
+      }
+      sums.push_back(support::Crc32(results));
+    }
+    line = support::ChecksumLine(operation, sums);
+    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc)) << line;
+  });
+  if (const char* out = std::getenv("PINCEL_CHECKSUMS_OUT")) {
+    if (std::FILE* file = std::fopen(out, "a")) {
+      std::fprintf(file, "%s\n", line.c_str());
+      std::fclose(file);
+    }
+  }
+}
+
+TEST(FilterChecksums, Taps) { Check("DoConvolucion", TapsCase); }
+TEST(FilterChecksums, FixedFilters) { Check("FixedFilters", FixedFilterCase); }
+TEST(FilterChecksums, Kernels) { Check("FiltroMask", KernelCase); }
+TEST(FilterChecksums, MotionBlur) { Check("FiltroMotionBlur", MotionBlurCase); }
+TEST(FilterChecksums, GlowBlur) { Check("FiltroBrilloBlur", GlowBlurCase); }
+TEST(FilterChecksums, MotionMask) { Check("FiltroMotionMask", MotionMaskCase); }
+TEST(FilterChecksums, AntiAlias) { Check("AntiAlias", AntiAliasCase); }
+TEST(FilterChecksums, EdgeCodes) { Check("DoAntiAliasBMP", EdgeCodesCase); }
+
+}  // namespace
