@@ -17,10 +17,6 @@
 #include "tests/support/libjpeg.h"
 #include "tests/support/random.h"
 
-#if !defined(_WIN32)
-#include <thread>
-#endif
-
 namespace {
 
 using model::Describe;
@@ -710,36 +706,5 @@ TEST(JpegFiles, RealFiles) {
     }
   }
 }
-
-#if !defined(_WIN32)  // MinGW's threads without winpthread lack std::thread
-TEST(JpegFiles, ThreadsAreIndependent) {
-  std::vector<Bytes> files;
-  for (const auto& path : support::FilesIn(PINCEL_SOURCE_DIR "/examples/assets/jpg", ".jpg")) {
-    files.push_back(support::BytesOf(path));
-  }
-  const auto load_all = [&](size_t first) {
-    std::vector<uint32_t> sums(files.size());
-    for (size_t i = 0; i < files.size(); ++i) {
-      const size_t file = (i + first) % files.size();
-      for (int format : {8, 16, 24, 32}) {
-        Picture p = Blank(format, 200, 150);
-        Load(p, files[file]);
-        sums[file] = sums[file] * 31 + SumOf(p);
-        LoadBounded(p, files[file]);
-        sums[file] = sums[file] * 31 + SumOf(p);
-      }
-    }
-    return sums;
-  };
-  const std::vector<uint32_t> expected = load_all(0);
-  std::vector<std::vector<uint32_t>> sums(4);
-  std::vector<std::thread> threads;
-  for (size_t t = 0; t < sums.size(); ++t) {
-    threads.emplace_back([&, t] { sums[t] = load_all(t * files.size() / 8); });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const auto& of_thread : sums) EXPECT_EQ(of_thread, expected);
-}
-#endif
 
 }  // namespace
