@@ -121,6 +121,7 @@ int main(int argc, char** argv) {
   bench::AddFloods();
   bench::AddMixes();
   bench::AddBlends();
+  bench::AddEffects();
   bench::AddStretches();
   bench::AddTransforms();
   benchmark::Initialize(&argc, argv);

@@ -135,6 +135,7 @@ void AddLines();
 void AddFloods();
 void AddMixes();
 void AddBlends();
+void AddEffects();
 void AddStretches();
 void AddTransforms();
 

@@ -48,6 +48,7 @@ bool DoAntiAlias2(TSurfDesc& image, CRectangulo const&, TSurfDesc&, unsigned sho
   });
 }
 
+// Takes its neighbours from the bytes that it has walked over already, as codes. Intended.
 bool DoAntiAliasBMP(TSurfDesc& image, unsigned short level) {
   using namespace pincel;
   const int64_t pitch = image.pitch, count = (int64_t{image.height} - 4) * pitch - 4;

@@ -37,7 +37,7 @@ constexpr bool CrossedIsTruncatedProduct() {
 static_assert(CrossedIsTruncatedProduct());
 
 // The edge code of a byte that is set: a bit for each neighbour above the threshold, and the two
-// lowest bits. Only these six of the twelve neighbours ever compared fit into the byte.
+// lowest bits. Of twelve neighbours these six fit into the byte. Intended.
 template <class At>
 constexpr uint8_t EdgeCode(At&& above_threshold) {
   return uint8_t(above_threshold(-2, 0) << 7 | above_threshold(-1, 0) << 6 |

