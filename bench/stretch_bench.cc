@@ -27,7 +27,7 @@ CRectangulo Whole(const Surface& s) { return {0, 0, s.width, s.height}; }
 void AddOpenCv(const std::string& operation, Format f, int size, int src_size, int method) {
   Add(operation, Depth(f), size, "OpenCV", double(size) * size, [=](Random& random) {
     auto p = RandomPair(f, size, src_size, random);
-    return [=, dst = Mat(p->dst), src = Mat(p->src)]() mutable {
+    return [p, method, dst = Mat(p->dst), src = Mat(p->src)]() mutable {
       cv::resize(src, dst, dst.size(), 0, 0, method);
     };
   });
@@ -46,7 +46,7 @@ void AddPixman(const std::string& operation, Format f, int size, int src_size,
     pixman_transform_init_scale(&scale, ratio, ratio);
     pixman_image_set_transform(src.get(), &scale);
     pixman_image_set_filter(src.get(), filter, nullptr, 0);
-    return [=] { PixmanCopy(dst.get(), src.get(), size, size); };
+    return [p, size, dst, src] { PixmanCopy(dst.get(), src.get(), size, size); };
   });
 }
 #endif
@@ -76,7 +76,7 @@ void AddSdl(const std::string& operation, Format f, int size, int src_size, bool
   if (smooth && f != Format::k32) return;
   Add(operation, Depth(f), size, "SDL2", double(size) * size, [=](Random& random) {
     auto p = RandomPair(f, size, src_size, random);
-    return [=, dst = Sdl(p->dst), src = Sdl(p->src)] {
+    return [p, smooth, dst = Sdl(p->dst), src = Sdl(p->src)] {
       (smooth ? SDL_SoftStretchLinear : SDL_SoftStretch)(src.get(), nullptr, dst.get(), nullptr);
     };
   });

@@ -57,7 +57,7 @@ void AddTurn(Format f, int size, int mode) {
 #if PINCEL_BENCH_OPENCV
   Add(operation, Depth(f), size, "OpenCV", count, [=](Random& random) {
     auto s = RandomSurface(f, size, random), d = RandomSurface(f, size, random);
-    return [=, from = Mat(*s), to = Mat(*d)]() mutable {
+    return [s, d, mode, from = Mat(*s), to = Mat(*d)]() mutable {
       cv::rotate(from, to, mode == 1 ? cv::ROTATE_90_COUNTERCLOCKWISE : cv::ROTATE_90_CLOCKWISE);
     };
   });
@@ -87,7 +87,7 @@ void AddReversed(Format f, int size) {
 #if PINCEL_BENCH_OPENCV
   Add("reversed copy", Depth(f), size, "OpenCV", count, [=](Random& random) {
     auto s = RandomSurface(f, size, random), d = RandomSurface(f, size, random);
-    return [=, from = Mat(*s), to = Mat(*d)]() mutable { cv::rotate(from, to, cv::ROTATE_180); };
+    return [s, d, from = Mat(*s), to = Mat(*d)]() mutable { cv::rotate(from, to, cv::ROTATE_180); };
   });
 #endif
 }
@@ -104,7 +104,7 @@ void AddShift(Format f, int size, float amount) {
   if (Bytes(f) < 3) return;
   Add(operation, Name(f), size, "OpenCV", count, [=](Random& random) {
     auto s = RandomSurface(f, size, random);
-    return [=, mat = Mat(*s)]() mutable {
+    return [s, amount, mat = Mat(*s)]() mutable {
       cv::add(mat, cv::Scalar::all(double(amount) * 510 - 255), mat);
     };
   });
@@ -123,7 +123,7 @@ void AddTable(int size) {
 #if PINCEL_BENCH_OPENCV
   Add("map", "8", size, "OpenCV", count, [=](Random& random) {
     auto s = RandomSurface(Format::k8, size, random);
-    return [=, mat = Mat(*s), lut = cv::Mat(1, 256, CV_8UC1, table.get())]() mutable {
+    return [s, table, mat = Mat(*s), lut = cv::Mat(1, 256, CV_8UC1, table.get())]() mutable {
       cv::LUT(mat, lut, mat);
     };
   });
