@@ -104,7 +104,7 @@ HWY_INLINE hn::VFromD<D8> ColourBytes(D8 d8, hn::VFromD<D8> bytes) {
 template <class Format>
 struct NarrowKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;
-  static constexpr size_t kLongest = kPiece, kMultiple = 1;
+  static constexpr size_t kLongest = kPiece;
 
   NarrowKernel(const TapList& list, const Plan& plan) : result(list, plan.is_signed) {
     const int32_t sign = list.divisor < 0 ? -1 : 1;
@@ -123,43 +123,64 @@ struct NarrowKernel {
     }
   }
 
-  // `vectors` vectors at once.
-  template <size_t vectors, class D8>
-  HWY_INLINE void BytesAt(D8 d8, uint8_t* dst, const uint8_t* const* at, size_t x) const {
-    const hn::Repartition<int16_t, D8> d16;
-    using V = hn::VFromD<decltype(d16)>;
-    constexpr size_t kLanes = hn::MaxLanes(D8());
-    V low[vectors], high[vectors];
-    for (size_t v = 0; v < vectors; ++v) low[v] = high[v] = hn::Zero(d16);
-    for (size_t i = 0; i < taps.count; i += 2) {
-      const uint8_t *first = at[i] + x, *second = at[i + 1] + x;
-      const V weight = hn::Set(d16, weights[i / 2]);
-      for (size_t v = 0; v < vectors; ++v) {
-        const auto a = LoadPixels(d8, first + v * kLanes), b = LoadPixels(d8, second + v * kLanes);
-        low[v] = hn::Add(low[v], PairSum(d8, hn::InterleaveLower(d8, a, b), weight));
-        high[v] = hn::Add(high[v], PairSum(d8, hn::InterleaveUpper(d8, a, b), weight));
+  // Two of them give one vector of bytes; `low` is for the first eight bytes of every sixteen.
+  template <class D8>
+  struct Sums {
+    using D16 = hn::Repartition<int16_t, D8>;
+    using V16 = hn::VFromD<D16>;
+    HWY_INLINE void Add(const uint8_t* first, const uint8_t* second, V16 weights) {
+      const D8 d8;
+      const auto a = LoadPixels(d8, first), b = LoadPixels(d8, second);
+      low = hn::Add(low, PairSum(hn::InterleaveLower(d8, a, b), weights));
+      high = hn::Add(high, PairSum(hn::InterleaveUpper(d8, a, b), weights));
+    }
+    HWY_INLINE void Store(const NarrowResult& result, uint8_t* dst) const {
+      const D8 d8;
+      const D16 d16;
+      // Undoes the interleaving, which is within blocks of 16 bytes as well.
+      const auto bytes = hn::ReorderDemote2To(d8, result(d16, low, 1), result(d16, high, 1));
+      hn::StoreU(ColourBytes<Format>(d8, bytes), d8, dst);
+    }
+    // The sum of each two bytes, weighted.
+    static HWY_INLINE V16 PairSum(hn::VFromD<D8> bytes, V16 weights) {
+      const D16 d16;
+      const hn::RebindToUnsigned<D16> du;
+      if constexpr (kHaveByteShuffle) {
+        const auto signed_bytes = hn::BitCast(hn::RebindToSigned<D8>(), weights);
+        return hn::SatWidenMulPairwiseAdd(d16, bytes, signed_bytes);
+      } else {
+        const auto even = hn::BitCast(d16, hn::And(hn::BitCast(du, bytes), hn::Set(du, 0xFF)));
+        const auto odd = hn::BitCast(d16, hn::ShiftRight<8>(hn::BitCast(du, bytes)));
+        return hn::Add(hn::Mul(even, hn::ShiftRight<8>(hn::ShiftLeft<8>(weights))),
+                       hn::Mul(odd, hn::ShiftRight<8>(weights)));
       }
     }
-    for (size_t v = 0; v < vectors; ++v) {
-      // Undoes the interleaving, within blocks of 16 bytes as well.
-      const auto bytes = hn::ReorderDemote2To(d8, result(d16, low[v], 1), result(d16, high[v], 1));
-      hn::StoreU(ColourBytes<Format>(d8, bytes), d8, dst + x + v * kLanes);
+    V16 low, high;
+  };
+
+  template <class D8>
+  HWY_INLINE void BytesAt(D8, uint8_t* dst, const uint8_t* const* at, size_t x) const {
+    const auto zero = hn::Zero(hn::Repartition<int16_t, D8>());
+    Sums<D8> sums = {zero, zero};
+    for (size_t i = 0; i < taps.count; i += 2) {
+      sums.Add(at[i] + x, at[i + 1] + x, hn::Set(hn::Repartition<int16_t, D8>(), weights[i / 2]));
     }
+    sums.Store(result, dst + x);
   }
-  // The sum of each two bytes, weighted.
-  template <class D8, class V16>
-  static HWY_INLINE V16 PairSum(D8, hn::VFromD<D8> bytes, V16 weights) {
-    const hn::Repartition<int16_t, D8> d16;
-    if constexpr (kHaveByteShuffle) {
-      return hn::SatWidenMulPairwiseAdd(d16, bytes, hn::BitCast(hn::RebindToSigned<D8>(), weights));
-    } else {
-      const auto words = hn::BitCast(d16, bytes);
-      const auto even = hn::And(words, hn::Set(d16, 0xFF));
-      const auto odd = hn::BitCast(
-          d16, hn::ShiftRight<8>(hn::BitCast(hn::RebindToUnsigned<decltype(d16)>(), words)));
-      const auto low = hn::ShiftRight<8>(hn::ShiftLeft<8>(weights));
-      return hn::Add(hn::Mul(even, low), hn::Mul(odd, hn::ShiftRight<8>(weights)));
+  // Two vectors of bytes: addresses and weights are loaded once.
+  template <class D8>
+  HWY_INLINE void TwiceBytesAt(D8, uint8_t* dst, const uint8_t* const* at, size_t x) const {
+    constexpr size_t kSize = hn::MaxLanes(D8());
+    const auto zero = hn::Zero(hn::Repartition<int16_t, D8>());
+    Sums<D8> first = {zero, zero}, second = first;
+    for (size_t i = 0; i < taps.count; i += 2) {
+      const auto weight = hn::Set(hn::Repartition<int16_t, D8>(), weights[i / 2]);
+      const uint8_t *a = at[i] + x, *b = at[i + 1] + x;
+      first.Add(a, b, weight);
+      second.Add(a + kSize, b + kSize, weight);
     }
+    first.Store(result, dst + x);
+    second.Store(result, dst + x + kSize);
   }
 
   template <class D16>
@@ -200,13 +221,13 @@ struct NarrowKernel {
     size_t x = 0;
     const auto one = [&](size_t from) HWY_ATTR {
       if constexpr (kByBytes) {
-        BytesAt<1>(d8, dst, at, from);
+        BytesAt(d8, dst, at, from);
       } else {
         FieldsAt(hn::Repartition<int16_t, D8>(), dst, at, from);
       }
     };
     if constexpr (kByBytes) {
-      for (; x + 2 * kSize <= bytes; x += 2 * kSize) BytesAt<2>(d8, dst, at, x);
+      for (; x + 2 * kSize <= bytes; x += 2 * kSize) TwiceBytesAt(d8, dst, at, x);
     }
     for (; x + kSize <= bytes; x += kSize) one(x);
     if (x != bytes) one(bytes - kSize);
@@ -217,28 +238,35 @@ struct NarrowKernel {
   int16_t weights[kGroup];
 };
 
-// Taps of any weight: 32-bit sums, a group of taps at a time.
+// Taps of any weight: 32-bit sums, a group of taps at a time. Taps are multiplied in pairs of 16-bit
+// lanes; weights of more bits are two factors, the upper one for sums that count 65536 times.
 template <class Format>
 struct WideKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;
-  static constexpr size_t kLongest = kSummed, kMultiple = kUnit;
-  using D = hn::ScalableTag<int32_t>;
-  using V = hn::VFromD<D>;
-  static constexpr size_t kLanes = hn::MaxLanes(D());
-  // Vectors at once: together they are whole pixels, and a unit is a multiple of them.
-  static constexpr size_t kVectors = Format::kBytes == 2 ? 1 : size_t{Format::kBytes};
-  static_assert(kUnit % kLanes == 0);
+  static constexpr size_t kLongest = kSummed;
 
   WideKernel(const TapList& list, const Plan&) : taps(list), result(list) {}
 
   template <class Sources>
   HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, Sources&& sources) {
+    const size_t bytes = pixels * Format::kBytes;
     std::memset(sums, 0, sizeof(sums));
     Group group;
     const auto add = [&]() HWY_ATTR {
-      const uint8_t* at[kGroup];
+      const uint8_t* at[kGroup + 1];
       sources(group, at);
-      AddGroup(group, at, pixels);
+      at[group.count] = at[0];
+      group.weights[group.count] = 0;
+      for (size_t i = 0; i < group.count; i += 2) {
+        low[i / 2] = Pair(group.weights[i], group.weights[i + 1]);
+        // What is left without the low halves as signed numbers.
+        high[i / 2] = Pair(int32_t((int64_t{group.weights[i]} + 0x8000) >> 16),
+                           int32_t((int64_t{group.weights[i + 1]} + 0x8000) >> 16));
+        any_high |= high[i / 2] != 0;
+      }
+      ForEachVector(hn::ScalableTag<uint8_t>(), bytes, [&](auto d8, size_t x, int32_t* s) HWY_ATTR {
+        AddTaps(d8, (group.count + 1) / 2, at, x, s);
+      });
       group.count = 0;
     };
     for (int i = 0; i < taps.count; ++i) {
@@ -246,71 +274,133 @@ struct WideKernel {
       if (group.count == kGroup) add();
     }
     if (group.count != 0) add();
-    Store(dst, pixels);
+    ForEachVector(hn::ScalableTag<uint8_t>(), bytes,
+                  [&](auto d8, size_t x, const int32_t* s) HWY_ATTR { Store(d8, dst + x, s); });
   }
 
-  HWY_INLINE void AddGroup(const Group& group, const uint8_t* const* at, size_t pixels) {
-    const D d;
-    if constexpr (kByBytes) {
-      const hn::Rebind<uint8_t, D> d8;
-      for (size_t x = 0; x < pixels * Format::kBytes; x += kVectors * kLanes) {
-        V sum[kVectors];
-        for (size_t v = 0; v < kVectors; ++v) sum[v] = hn::LoadU(d, sums + x + v * kLanes);
-        for (size_t i = 0; i < group.count; ++i) {
-          const V weight = hn::Set(d, group.weights[i]);
-          const uint8_t* from = at[i] + x;
-          for (size_t v = 0; v < kVectors; ++v) {
-            const V bytes = hn::PromoteTo(d, hn::LoadU(d8, from + v * kLanes));
-            sum[v] = hn::Add(sum[v], hn::Mul(bytes, weight));
-          }
-        }
-        for (size_t v = 0; v < kVectors; ++v) hn::StoreU(sum[v], d, sums + x + v * kLanes);
-      }
-    } else {
-      const hn::Rebind<uint16_t, D> d16;
-      for (size_t x = 0; x < pixels; x += kLanes) {
-        int32_t* at_x = sums + x;
-        V blue = hn::LoadU(d, at_x), green = hn::LoadU(d, at_x + kSummed),
-          red = hn::LoadU(d, at_x + 2 * kSummed);
-        for (size_t i = 0; i < group.count; ++i) {
-          const V weight = hn::Set(d, group.weights[i]);
-          V b, g, r;
-          SplitFields<Format>(d, hn::PromoteTo(d, LoadPixels(d16, at[i] + 2 * x)), b, g, r);
-          blue = hn::Add(blue, hn::Mul(b, weight));
-          green = hn::Add(green, hn::Mul(g, weight));
-          red = hn::Add(red, hn::Mul(r, weight));
-        }
-        hn::StoreU(blue, d, at_x);
-        hn::StoreU(green, d, at_x + kSummed);
-        hn::StoreU(red, d, at_x + 2 * kSummed);
-      }
+  static constexpr int32_t Pair(int32_t even, int32_t odd) {
+    return int32_t((uint32_t(even) & 0xFFFF) | uint32_t(odd) << 16);
+  }
+
+  // `function(d8, x, sums)` for vectors that cover all bytes; the last one may overlap the one before,
+  // with sums of its own.
+  template <class D8, class Function>
+  HWY_INLINE void ForEachVector(D8, size_t bytes, Function&& function) {
+    constexpr size_t kSize = hn::MaxLanes(D8());
+    if (bytes < kSize) {
+      if constexpr (CanHalve(D8())) ForEachVector(hn::Half<D8>(), bytes, function);
+      return;
+    }
+    int32_t* s = sums;
+    for (size_t x = 0;; x += kSize, s += kSize / 2 * kSumsOf2Bytes) {
+      x = std::min(x, bytes - kSize);
+      function(D8(), x, s);
+      if (x + kSize == bytes) return;
     }
   }
 
-  HWY_INLINE void Store(uint8_t* dst, size_t pixels) const {
-    const D d;
+  // A channel of two pixels or two bytes of one in each 16-bit lane pair: first tap, second tap.
+  template <class D8>
+  struct Weights {
+    using D32 = hn::Repartition<int32_t, D8>;
+    using V32 = hn::VFromD<D32>;
+    using V16 = hn::VFromD<hn::Repartition<int16_t, D8>>;
+    // Values of 8 bits, in words.
+    HWY_INLINE V32 AddTo(V32 sum, hn::VFromD<hn::Repartition<uint16_t, D8>> values) const {
+      const D32 d32;
+      const hn::Repartition<int16_t, D8> d16;
+      const V16 v = hn::BitCast(d16, values);
+      sum = hn::Add(sum, hn::WidenMulPairwiseAdd(d32, v, hn::BitCast(d16, low)));
+      if (any_high) {
+        const V32 upper = hn::WidenMulPairwiseAdd(d32, v, hn::BitCast(d16, high));
+        sum = hn::Add(sum, hn::ShiftLeft<16>(upper));
+      }
+      return sum;
+    }
+    V32 low, high;
+    bool any_high;
+  };
+  template <class D8>
+  HWY_INLINE Weights<D8> WeightsAt(D8, size_t pair) const {
+    const hn::Repartition<int32_t, D8> d32;
+    return {hn::Set(d32, low[pair]), hn::Set(d32, high[pair]), any_high};
+  }
+
+  template <class D8>
+  HWY_INLINE void AddTaps(D8 d8, size_t pairs, const uint8_t* const* at, size_t x,
+                          int32_t* s) const {
+    const hn::Repartition<int32_t, D8> d32;
+    const hn::Repartition<uint16_t, D8> d16;
+    constexpr size_t kLanes = hn::MaxLanes(hn::Repartition<int32_t, D8>());
+    const auto load = [&](size_t i) HWY_ATTR { return hn::LoadU(d32, s + i * kLanes); };
+    const auto store = [&](auto v, size_t i) HWY_ATTR { hn::StoreU(v, d32, s + i * kLanes); };
+    auto s0 = load(0), s1 = load(1), s2 = load(2), s3 = load(3);
     if constexpr (kByBytes) {
-      const hn::Rebind<uint8_t, D> d8;
-      for (size_t x = 0; x < pixels * Format::kBytes; x += kLanes) {
-        const auto bytes = hn::DemoteTo(d8, result(d, hn::LoadU(d, sums + x), 1));
-        hn::StoreU(ColourBytes<Format>(d8, bytes), d8, dst + x);
+      for (size_t i = 0; i < pairs; ++i) {
+        const auto weights = WeightsAt(d8, i);
+        const auto a = LoadPixels(d8, at[2 * i] + x), b = LoadPixels(d8, at[2 * i + 1] + x);
+        const auto low_half = hn::InterleaveLower(d8, a, b),
+                   high_half = hn::InterleaveUpper(d8, a, b), zero = hn::Zero(d8);
+        s0 = weights.AddTo(s0, hn::BitCast(d16, hn::InterleaveLower(d8, low_half, zero)));
+        s1 = weights.AddTo(s1, hn::BitCast(d16, hn::InterleaveUpper(d8, low_half, zero)));
+        s2 = weights.AddTo(s2, hn::BitCast(d16, hn::InterleaveLower(d8, high_half, zero)));
+        s3 = weights.AddTo(s3, hn::BitCast(d16, hn::InterleaveUpper(d8, high_half, zero)));
       }
     } else {
-      const hn::Rebind<uint16_t, D> d16;
+      auto s4 = load(4), s5 = load(5);
+      for (size_t i = 0; i < pairs; ++i) {
+        const auto weights = WeightsAt(d8, i);
+        hn::VFromD<decltype(d16)> b0, g0, r0, b1, g1, r1;
+        SplitFields<Format>(d16, LoadPixels(d16, at[2 * i] + x), b0, g0, r0);
+        SplitFields<Format>(d16, LoadPixels(d16, at[2 * i + 1] + x), b1, g1, r1);
+        s0 = weights.AddTo(s0, hn::InterleaveLower(d16, b0, b1));
+        s1 = weights.AddTo(s1, hn::InterleaveUpper(d16, b0, b1));
+        s2 = weights.AddTo(s2, hn::InterleaveLower(d16, g0, g1));
+        s3 = weights.AddTo(s3, hn::InterleaveUpper(d16, g0, g1));
+        s4 = weights.AddTo(s4, hn::InterleaveLower(d16, r0, r1));
+        s5 = weights.AddTo(s5, hn::InterleaveUpper(d16, r0, r1));
+      }
+      store(s4, 4);
+      store(s5, 5);
+    }
+    store(s0, 0);
+    store(s1, 1);
+    store(s2, 2);
+    store(s3, 3);
+  }
+
+  // Narrowing undoes the interleaving, which is within blocks of 16 bytes as well.
+  template <class D8>
+  HWY_INLINE void Store(D8 d8, uint8_t* dst, const int32_t* s) const {
+    const hn::Repartition<int32_t, D8> d32;
+    constexpr size_t kLanes = hn::MaxLanes(hn::Repartition<int32_t, D8>());
+    const auto channel = [&](size_t i, int bias_times) HWY_ATTR {
+      return result(d32, hn::LoadU(d32, s + i * kLanes), bias_times);
+    };
+    if constexpr (kByBytes) {
+      const hn::Repartition<int16_t, D8> d16;
+      const auto low_half = hn::ReorderDemote2To(d16, channel(0, 1), channel(1, 1));
+      const auto high_half = hn::ReorderDemote2To(d16, channel(2, 1), channel(3, 1));
+      const auto bytes = hn::ReorderDemote2To(d8, low_half, high_half);
+      hn::StoreU(ColourBytes<Format>(d8, bytes), d8, dst);
+    } else {
+      const hn::Repartition<uint16_t, D8> d16;
       constexpr auto& kTimes = Channels<Format>::kBiasTimes;
-      for (size_t x = 0; x < pixels; x += kLanes) {
-        const auto channel = [&](size_t c) HWY_ATTR {
-          return result(d, hn::LoadU(d, sums + c * kSummed + x), kTimes[c]);
-        };
-        const V words = JoinFields<Format>(d, channel(0), channel(1), channel(2));
-        hn::StoreU(hn::DemoteTo(d16, words), d16, reinterpret_cast<uint16_t*>(dst + 2 * x));
-      }
+      const auto half = [&](size_t i) HWY_ATTR {
+        return JoinFields<Format>(d32, channel(i, kTimes[0]), channel(i + 2, kTimes[1]),
+                                  channel(i + 4, kTimes[2]));
+      };
+      hn::StoreU(hn::ReorderDemote2To(d16, half(0), half(1)), d16,
+                 reinterpret_cast<uint16_t*>(dst));
     }
   }
 
+  static constexpr size_t kSumsOf2Bytes = kByBytes ? 2 : 3;
   const TapList& taps;
   WideResult result;
-  int32_t sums[kSummed * (kByBytes ? size_t{Format::kBytes} : 3)];  // of bytes, or three planes
+  int32_t low[kGroup / 2], high[kGroup / 2];  // weights of pairs
+  bool any_high = false;
+  int32_t sums[(kSummed * Format::kBytes + 64) / 2 * kSumsOf2Bytes];
 };
 
 #endif  // HWY_TARGET != HWY_SCALAR

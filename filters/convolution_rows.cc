@@ -56,7 +56,7 @@ class Pieces {
       const auto inside = size_t((inner_end - at) / kPixel + 1);
       pixels = std::min({left, inside, Kernel::kLongest});
     }
-    return pixels < kUnit ? pixels : pixels - pixels % Kernel::kMultiple;
+    return pixels;
   }
 
   void CopyUpTo(uint64_t end) {
@@ -82,7 +82,7 @@ class Pieces {
     if (computed == pixels) {
       kernel.Pixels(dst, pixels, sources);
     } else {
-      uint8_t unit[kUnit * kPixel];
+      uint8_t unit[kUnit * 4];  // a whole vector at least
       kernel.Pixels(unit, kUnit, sources);
       std::memcpy(dst, unit, pixels * size_t{kPixel});
     }
