@@ -96,6 +96,29 @@ TEST(GifFiles, MatchTheCommittedChecksums) {
   }
 }
 
+// No frame of this file starts with a clear code. Two of them end early for the loader that does not
+// supply it, and what is left of them hides two others.
+TEST(GifFiles, FramesWithoutClearCodesEndEarlyOrAreDecodedAsMeant) {
+  const std::vector<uint8_t> bytes = support::BytesOf(kFolder + std::string("wuffs-muybridge.gif"));
+  support::GifInMemory file(bytes);
+  CQXGIF gif{};
+  RAW record{};
+  TSurfDesc surface{};
+  ASSERT_TRUE(LoadInfoGIF(surface, file.Data(), gif, record));
+  model::Picture p = Surface(8, surface.width, surface.height);
+  surface = model::Describe(p);
+  int frames = 0;
+  for (; LoadGIFNext(surface, file.Data(), gif, record); ++frames) {
+    EXPECT_TRUE(LoadGIF(surface, file.Data(), gif, record));
+  }
+  EXPECT_EQ(frames, 13);
+  TGifFrame frame{};
+  for (frames = 0; pincel_gif_frame(frame, bytes.data(), bytes.size()) == PINCEL_OK; ++frames) {
+    EXPECT_EQ(pincel_load_gif(surface, bytes.data(), bytes.size(), frame), PINCEL_OK);
+  }
+  EXPECT_EQ(frames, 15);
+}
+
 TEST(GifFiles, EveryFileHasACommittedChecksum) {
   for (const auto& path : support::FilesIn(kFolder, ".gif")) {
     const std::string name = path.filename().string();

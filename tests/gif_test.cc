@@ -482,6 +482,41 @@ TEST(LoadGIF, WithoutClearCodeTheFirstIndexFollowsA0) {
             (ByteVector{0, 0, kOld, kOld}));
 }
 
+// What a writer meant that left out the clear code. Without it codes grow one code earlier than the
+// writer's, here into an end code: half of the frame is missing, and the next one too, for the walk
+// meets a trailer in the data that is left. The loader that knows the length gets both.
+TEST(LoadGIF, FrameWithoutClearCodeMayEndEarly) {
+  const CodeStream written = CodeStream(2).Clear().Codes({1, 2, 3, 6, 7, 10, 0, 3, 1}).End();
+  ByteVector codes(written.Bytes().size());  // the same without its first three bits
+  for (size_t bit = 3; bit < 8 * codes.size(); ++bit) {
+    codes[(bit - 3) / 8] |= uint8_t((written.Bytes()[bit / 8] >> bit % 8 & 1) << (bit - 3) % 8);
+  }
+  GifImage image = Image(13, 1, ByteVector{});
+  image.data = SubBlocks(codes, 4);
+  image.data.back() = 1;
+  image.data.insert(image.data.end(), {';', 0});
+  const GifFile file = File({image, Image(1, 1, ByteVector{2})});
+  Walk walk(file);
+  EXPECT_TRUE(walk.Next());
+  Picture p = Blank(8, 13, 1);
+  EXPECT_TRUE(walk.Load(p));
+  ByteVector expected = {1, 2, 3, 3, 3, 3};
+  expected.resize(16, kOld);
+  EXPECT_EQ(p.bytes, expected);
+  EXPECT_FALSE(walk.Next());
+
+  const ByteVector bytes = file.Bytes();
+  TGifFrame frame{};
+  ASSERT_EQ(pincel_gif_frame(frame, bytes.data(), bytes.size()), PINCEL_OK);
+  p = Blank(8, 13, 1);
+  TSurfDesc surface = Describe(p);
+  EXPECT_EQ(pincel_load_gif(surface, bytes.data(), bytes.size(), frame), PINCEL_OK);
+  EXPECT_EQ(p.bytes, (ByteVector{1, 2, 3, 1, 2, 2, 3, 2, 3, 2, 0, 3, 1, kOld, kOld, kOld}));
+  ASSERT_EQ(pincel_gif_frame(frame, bytes.data(), bytes.size()), PINCEL_OK);
+  EXPECT_EQ(pincel_load_gif(surface, bytes.data(), bytes.size(), frame), PINCEL_OK);
+  EXPECT_EQ(p.bytes[0], 2);
+}
+
 TEST(LoadGIF, CodesAboveTheNextFreeOneCountAsIt) {
   EXPECT_EQ(Decoded(Image(9, 1, CodeStream(2).Clear().Codes({1, 7, 2, 6, 7}).End()), 9),
             (ByteVector{1, 1, 1, 2, 1, 1, 1, 1, 2}));
