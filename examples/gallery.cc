@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "gif_animation.h"
+#include "lettering.h"
 
 namespace {
 
@@ -76,6 +77,41 @@ HostSurface RampField() {
   return Mask([](int x, int y) {
     return x < 10 || x >= 90 || y < 10 || y >= 65 ? 128 : (x - 10) * 255 / 79;
   });
+}
+
+// A caption on a surface of the canvas's size; everything around the letters is transparent.
+HostSurface Caption(const HostSurface& canvas, Format format) {
+  HostSurface caption(format, canvas.width, canvas.height);
+  if (format == Format::k8) {
+    caption.UsePaletteOf(canvas);
+  } else {
+    IdxFillRect(caption, caption.Bounds(), 0xFFFF00FF);
+  }
+  caption.colorKey = caption.Stored(0, 0);
+  Write(caption, {9, 12}, "PINC", kGold, 5);
+  Write(caption, {9, 42}, "EL:)", kGold, 5);
+  return caption;
+}
+
+// A grey picture of zeros, as large as another one.
+HostSurface EmptyMask(const TSurfDesc& picture) {
+  HostSurface mask(Format::k8, picture.width, picture.height);
+  CreateGreyPal(mask.Palette());
+  return mask;
+}
+
+// The nearest index of every palette entry's colour, each channel moved by `shift`.
+std::vector<unsigned char> ShiftTable(const HostSurface& indexed, int shift) {
+  std::vector<unsigned char> table;
+  for (uint32_t i = 0; i < 256 && indexed.bpp == 8; ++i) {
+    const TRGBA& entry = indexed.palette[i];
+    uint32_t moved = 0;
+    for (int channel : {entry.red, entry.green, entry.blue}) {
+      moved = moved << 8 | uint32_t(std::clamp(channel + shift, 0, 255));
+    }
+    table.push_back(static_cast<unsigned char>(indexed.Colour(moved)));
+  }
+  return table;
 }
 
 // A colour as it is stored in such a surface; on 8-bit surfaces the true colour.
@@ -831,6 +867,192 @@ const std::vector<Operation>& Operations() {
                    Line(s.canvas, {4, 70}, {i, 4}, kInk, 255, true, 0);
                })},
 
+      // ---------------------------------------------------------------------------------- Scaling
+      {"Scaling", "BltStrech, nearest",
+       "The hippo at two and a half times its size. At 32 bits three bytes of a pixel are copied, "
+       "the fourth stays the canvas's.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 BltStrech(s.canvas, {5, 2, 95, 72}, s.hippo, s.hippo.Bounds(), false);
+               })},
+      {"Scaling", "BltStrech, smooth",
+       "The same with neighbours mixed at 24 and 32 bits; the others sample the nearest pixel.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 BltStrech(s.canvas, {5, 2, 95, 72}, s.hippo, s.hippo.Bounds(), true);
+               })},
+      {"Scaling", "BltStrech, smaller",
+       "A part of the chart, enlarged, and all of it at half its size.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 BltStrech(s.canvas, {4, 4, 96, 37}, s.chart, {0, 0, 46, 16}, true);
+                 BltStrech(s.canvas, {18, 40, 82, 72}, s.chart, s.chart.Bounds(), true);
+               })},
+      {"Scaling", "BltStrech, clipped destination",
+       "A rectangle that lies to one half outside the canvas: the whole hippo is squeezed into the "
+       "other half. Intended.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 BltStrech(s.canvas, {50, 2, 150, 72}, s.hippo, s.hippo.Bounds(), false);
+               })},
+      {"Scaling", "DrawStretch",
+       "BltStrech without smoothing, four times. With a table it would draw nothing. Intended.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 unsigned char table[256] = {};
+                 DrawStretch(s.canvas, s.canvas.Bounds(), s.hippo, s.hippo.Bounds(), table);
+                 for (int i = 0; i < 4; ++i) {
+                   const CRectangulo to = {i * 24, 4 + i * 6, i * 24 + 12 + 5 * i, 70 - i * 8};
+                   DrawStretch(s.canvas, to, s.hippo, s.hippo.Bounds());
+                 }
+               })},
+      {"Scaling", "StretchBitmap, enlarging",
+       "24 and 32 bits alone: pixels are interpolated, the last column and row repeated.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 StretchBitmap(s.canvas, {5, 2, 95, 72}, s.hippo, s.hippo.Bounds(),
+                               int(s.canvas.bpp), true, false);
+               })},
+      {"Scaling", "StretchBitmap, reducing",
+       "The chart at less than half its size: each pixel is the mean of a block.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 StretchBitmap(s.canvas, {20, 22, 80, 52}, s.chart, s.chart.Bounds(),
+                               int(s.canvas.bpp), true, false);
+               })},
+      {"Scaling", "StretchBitmap, clipped destination",
+       "The rectangle of BltStrech above, one half outside: the source shrinks with it, the hippo "
+       "keeps its shape.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 StretchBitmap(s.canvas, {50, 2, 150, 72}, s.hippo, s.hippo.Bounds(),
+                               int(s.canvas.bpp), true, false);
+               })},
+      {"Scaling", "StretchBitmap, blocks that are too large",
+       "A ramp from black to white, reduced sixteen times and shown five times as large. From the "
+       "middle on the sum of a block no longer fits into 16 bits. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface ramp(s.format, 240, 48), small(s.format, 15, 3);
+                 DoGradient(ramp, 0x000000, kWhite);
+                 StretchBitmap(small, small.Bounds(), ramp, ramp.Bounds(), int(s.canvas.bpp), true,
+                               false);
+                 if (s.canvas.bpp < 24) return;
+                 BltStrech(s.canvas, {12, 10, 87, 30}, ramp, ramp.Bounds(), false);
+                 BltStrech(s.canvas, {12, 35, 87, 65}, small, small.Bounds(), false);
+               })},
+      {"Scaling", "The three ways to scale",
+       "Up and down: the nearest pixel; mixed neighbours, which skip pixels when they reduce; "
+       "StretchBitmap, whose means do not.",
+       OnShelf([](Shelf& shelf) {
+         const Stage s(shelf.assets, Format::k24);
+         HostSurface hippo = s.hippo, chart = s.chart;
+         shelf.From("hippo", hippo);
+         shelf.From("chart", chart);
+         const char* const names[] = {"nearest", "smooth", "StretchBitmap"};
+         for (HostSurface* source : {&hippo, &chart}) {
+           const CRectangulo to =
+               source == &hippo ? CRectangulo{0, 0, 108, 84} : CRectangulo{0, 0, 50, 25};
+           for (int way = 0; way < 3; ++way) {
+             HostSurface result(Format::k24, to.right, to.bottom);
+             if (way == 2) {
+               StretchBitmap(result, to, *source, source->Bounds(), 24, true, false);
+             } else {
+               BltStrech(result, to, *source, source->Bounds(), way == 1);
+             }
+             shelf.Add(names[way], result);
+           }
+         }
+       })},
+      {"Scaling", "DrawDouble",
+       "Twice the size, 24 and 32 bits alone; cut at the border to whole pixels of the source.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 DrawDouble(s.canvas, s.hippo, {14, 10});
+                 DrawDouble(s.canvas, s.hippo, {81, 61});
+               })},
+      {"Scaling", "DrawDouble, negative position",
+       "The size is cut at the border, but drawing starts outside it with the first pixel: the "
+       "hippo ends early on its right. Intended.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 DrawDouble(s.canvas, s.hippo, {-24, 10});
+               })},
+
+      // ------------------------------------------------------------------------------- Transforms
+      {"Transforms", "FlipX", "The photograph, mirrored left to right in place.",
+       OnPhoto({}, [](Stage& s) { FlipX(s.canvas); })},
+      {"Transforms", "CreateRotated, quarter turns",
+       "Modes 1 and 3, counter-clockwise and clockwise, and below them 5 and 7, mirrored top to "
+       "bottom as well.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 for (const int mode : {1, 3, 5, 7}) {
+                   HostSurface turned(s.format, s.hippo.height, s.hippo.width);
+                   CreateRotated(turned, s.hippo, mode);
+                   const auto x = static_cast<unsigned short>(mode & 2 ? 57 : 15);
+                   const auto y = static_cast<unsigned short>(mode & 4 ? 38 : 1);
+                   DrawBlock(s.canvas, turned, 0, 0, x, y, 28, 36);
+                 }
+               })},
+      {"Transforms", "CreateRotated, modes 0 and 4",
+       "The source as DrawBitmap draws it, its key counting; with 4 the whole is then mirrored.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 for (const int mode : {0, 4}) {
+                   HostSurface copy(s.format, s.tree.width, s.tree.height);
+                   IdxFillRect(copy, copy.Bounds(), s.canvas.Colour(kSky));
+                   CreateRotated(copy, s.tree, mode);
+                   DrawBlock(s.canvas, copy, 0, 0, mode == 0 ? 10 : 55, 2, 35, 72);
+                 }
+               })},
+      {"Transforms", "CreateRotated, mode 2",
+       "A copy that walks backwards through memory, from the last pixel of the hippo: half a turn. "
+       "At 16 bits the bytes of each pixel are swapped on the way. Intended.",
+       OnPhoto({&Stage::hippo},
+               [](Stage& s) {
+                 TSurfDesc last = s.hippo;
+                 last.pixels += 27 * last.pitch + 35 * int(last.bpp / 8);
+                 HostSurface turned(s.format, 36, 28);
+                 CreateRotated(turned, last, 2);
+                 DrawBlock(s.canvas, turned, 0, 0, 32, 23, 36, 28);
+               })},
+      {"Transforms", "TranslateRect",
+       "Eight stripes from amount 9/32 to 23/32, one half being the photograph as it is. At 8 bits "
+       "a table for each does the same with the nearest colours.",
+       OnPhoto({},
+               [](Stage& s) {
+                 for (int i = 0; i < 8; ++i) {
+                   const std::vector<unsigned char> table = ShiftTable(s.canvas, 32 * i - 112);
+                   const int left = 2 + 12 * i;
+                   TranslateRect(s.canvas, {left, 6, left + 12, 69}, float(2 * i + 9) / 32,
+                                 table.data());
+                 }
+               })},
+      {"Transforms", "TranslateRect, the whole range",
+       "Amounts 0, 1/2 and 1. All but black: a negative shift is one step weaker than a positive "
+       "one, so white becomes 1. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 for (int i = 0; i < 3; ++i) {
+                   const std::vector<unsigned char> table = ShiftTable(s.canvas, 255 * i - 255);
+                   const int left = 5 + 30 * i;
+                   TranslateRect(s.canvas, {left, 10, left + 30, 65}, float(i) / 2, table.data());
+                 }
+               })},
+      {"Transforms", "TranslateRect, alpha",
+       "The fourth byte of 32-bit pixels is shifted like a colour; alpha bits of 16-bit pixels are "
+       "kept. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (Format format : {Format::k1555, Format::k4444, Format::k32}) {
+           HostSurface surface(format, 64, 32);
+           IdxFillRect(surface, surface.Bounds(), 0x80000000 | kSky);
+           shelf.From(FactsOf(format).name, AlphaOf(surface));
+           TranslateRect(surface, {16, 8, 48, 24}, 0.75f, nullptr);
+           shelf.Add(std::string(FactsOf(format).name) + ", alpha", AlphaOf(surface));
+         }
+       })},
+
       // -------------------------------------------------------------------- Mixing, masks and fades
       {"Mixing, masks and fades", "DrawMix, levels",
        "Eight stripes of the chart, each with more of it: the level counts in 256ths of the "
@@ -1175,6 +1397,132 @@ const std::vector<Operation>& Operations() {
            mode.source(canvas, {16, 8, 48, 24}, source, {0, 0});
            shelf.Add(std::string(mode.name) + ", alpha", AlphaOf(canvas));
          }
+       })},
+
+      // ------------------------------------------------------------------ Tone, masks and shadows
+      {"Tone, masks and shadows", "DoFactor",
+       "The photograph at 128/256. At 8 bits it is the indices that are halved, which darkens grey "
+       "pictures only. Intended.",
+       OnPhoto({}, [](Stage& s) { DoFactor(s.canvas, 128); })},
+      {"Tone, masks and shadows", "DoFactor, grey picture of 8 bits",
+       "With a grey palette an index is its brightness: factors 64, 128, 192 and 255.",
+       OnShelf([](Shelf& shelf) {
+         const Stage s(shelf.assets, Format::k32);
+         HostSurface grey = EmptyMask(s.canvas);
+         for (int y = 0; y < grey.height; ++y) {
+           for (int x = 0; x < grey.width; ++x) SetPixel(grey, x, y, s.canvas.Stored(x, y) >> 8);
+         }
+         shelf.From("green of the photograph", grey);
+         for (unsigned short factor : {64, 128, 192, 255}) {
+           HostSurface dark = grey;
+           DoFactor(dark, factor);
+           shelf.Add(std::to_string(factor), dark);
+         }
+       })},
+      {"Tone, masks and shadows", "DoFactor, the fourth byte",
+       "Alpha 255 at 32 bits, scaled by the height of the surface, whatever the factor: heights "
+       "16, "
+       "64 and 128. Intended.",
+       OnShelf([](Shelf& shelf) {
+         for (int height : {16, 64, 128}) {
+           HostSurface surface(Format::k32, 32, height);
+           IdxFillRect(surface, surface.Bounds(), 0xFF000000 | kSky);
+           DoFactor(surface, 255);
+           shelf.Add(std::to_string(height) + " high, alpha", AlphaOf(surface));
+         }
+       })},
+      {"Tone, masks and shadows", "DoGradient",
+       "A ramp from blue to gold. 16-bit formats show steps, their fields are cut; 8 bits are left "
+       "as they are.",
+       OnPhoto({}, [](Stage& s) { DoGradient(s.canvas, kSky, kGold); })},
+      {"Tone, masks and shadows", "DoGradient, few columns",
+       "From black towards white in 4 columns, each a quarter further: the last is a step short of "
+       "white.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface ramp(s.format, 4, 1);
+                 if (DoGradient(ramp, 0x000000, kWhite)) {
+                   DrawStretch(s.canvas, {10, 10, 90, 65}, ramp, ramp.Bounds());
+                 }
+               })},
+      {"Tone, masks and shadows", "CreateMask",
+       "The tree without its background, level 256. There is no mask for 1555. Intended.",
+       OnPhoto({&Stage::tree},
+               [](Stage& s) {
+                 HostSurface mask = EmptyMask(s.tree);
+                 CreateMask(mask, s.tree, 256);
+                 return mask;
+               })},
+      {"Tone, masks and shadows", "CreateMask without a key",
+       "The chart, level 160. Pixels of value 0 count as transparent: the black in the chart, "
+       "which at 555 and 4444 has alpha bits and is not 0. Intended.",
+       OnPhoto({&Stage::chart},
+               [](Stage& s) {
+                 HostSurface mask = EmptyMask(s.chart);
+                 CreateMask(mask, s.chart, 160);
+                 return mask;
+               })},
+      {"Tone, masks and shadows", "A caption and its shadow",
+       "CreateMask takes the shape of the letters, CreateShadow grows it to the lower right, "
+       "DrawMask paints it, DrawBitmap puts the letters on top.",
+       OnMix({}, {},
+             [](Stage& s, Table table) {
+               HostSurface letters = Caption(s.canvas, Format::k32);
+               HostSurface mask = EmptyMask(letters), shadow = EmptyMask(letters);
+               CreateMask(mask, letters, 256);
+               CreateShadow(shadow, mask, 12, 200, 256);
+               DrawMask(s.canvas, s.canvas.Bounds(), shadow, {0, 0}, Packed(s.canvas, kInk), table);
+               HostSurface drawn = Caption(s.canvas, s.format);
+               DrawBitmap(s.canvas, drawn);
+             })},
+      {"Tone, masks and shadows", "CreateShadow",
+       "What grows out of the letters at decay 4, 16 and 40, with a limit of 128, and scaled by "
+       "128 "
+       "in the end.",
+       OnShelf([](Shelf& shelf) {
+         struct Growth {
+           const char* name;
+           unsigned char decay, limit;
+           unsigned short factor;
+         };
+         Stage s(shelf.assets, Format::k32);
+         HostSurface letters = Caption(s.canvas, Format::k32), mask = EmptyMask(letters);
+         CreateMask(mask, letters, 256);
+         shelf.From("mask", mask);
+         for (const Growth& g : {Growth{"decay 4", 4, 255, 256},
+                                 {"decay 16", 16, 255, 256},
+                                 {"decay 40", 40, 255, 256},
+                                 {"limit 128", 4, 128, 256},
+                                 {"factor 128", 4, 255, 128}}) {
+           HostSurface shadow = EmptyMask(letters);
+           CreateShadow(shadow, mask, g.decay, g.limit, g.factor);
+           shelf.Add(g.name, shadow);
+         }
+       })},
+      {"Tone, masks and shadows", "CreateShadow, sources of every format",
+       "The letters themselves instead of a mask: their highest channel counts, at 32 bits the "
+       "first byte, at 8 bits the index. 1555 gets none. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface letters(s.format, 100, 75);
+                 if (s.format == Format::k8) letters.UsePaletteOf(s.canvas);
+                 Write(letters, {9, 12}, "PINC", 0xF8F8F8, 5);
+                 Write(letters, {9, 42}, "EL:)", 0xF8F8F8, 5);
+                 HostSurface shadow = EmptyMask(letters);
+                 CreateShadow(shadow, letters, 6, 255, 256);
+                 return shadow;
+               })},
+      {"Tone, masks and shadows", "CreateShadow, 32 bits",
+       "A source of 32 bits onto a shadow of 32 bits: the value in the first three bytes, the "
+       "fourth "
+       "is kept.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface letters(Format::k32, 100, 75), shadow(Format::k32, 100, 75);
+         Write(letters, {9, 25}, "PINC", kWhite, 5);
+         IdxFillRect(shadow, shadow.Bounds(), 0xFF000000);
+         shelf.From("source", letters);
+         CreateShadow(shadow, letters, 6, 200, 256);
+         shelf.Add("shadow", shadow);
        })},
 
       // ------------------------------------------------------------------------------- Flood fill
