@@ -43,9 +43,7 @@ void FillGradient(const TSurfDesc& image, Bgr from, Bgr to) {
     const Bgr colour = {blue.Next(), green.Next(), red.Next()};
     Format::Store(rows.dst + x * Format::kBytes, Format::Pack(colour));
   }
-  for (size_t y = 1; y < rows.height; ++y) {
-    std::memmove(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.dst, rows.width * Format::kBytes);
-  }
+  RepeatFirstRow({rows.dst, rows.dst_pitch, rows.width * Format::kBytes, rows.height});
 }
 
 }  // namespace
