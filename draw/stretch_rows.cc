@@ -25,87 +25,123 @@ using ByteTag =
     std::conditional_t<kHaveByteTables, hn::ScalableTag<uint8_t>, hn::CappedTag<uint8_t, 16>>;
 inline constexpr size_t kVectorBytes = hn::MaxLanes(ByteTag());
 
+// For rows of `place_bytes` places per column.
+template <size_t place_bytes>
 struct Windows {
-  size_t count = 0;  // vectors; 0 when the windows would be longer than four vectors, or the row
-                     // is shorter than one
-  size_t vectors_each = 0;
-  size_t at[4 * kTileColumns / kVectorBytes + 1];         // byte of the row written to
-  ptrdiff_t window[4 * kTileColumns / kVectorBytes + 1];  // byte of the source row
-  alignas(64) uint8_t place[4 * kTileColumns + kVectorBytes];
+  static constexpr size_t kMax = place_bytes * kTileColumns / kVectorBytes + 1;
+  size_t count = 0;         // 0 when they would be longer than four vectors
+  size_t vectors_each = 0;  // 1, 2 or 4
+  size_t first[kMax];       // column, or byte, that it starts with
+  ptrdiff_t at[kMax];       // byte of the source row
+  alignas(64) uint8_t place[place_bytes * kTileColumns + kVectorBytes];
 };
 
-// Pixels of `dst_bytes` from the first `width` columns, of which each has `src_bytes` bytes, in source
-// rows of `readable` bytes. The last vector overlaps the one before.
-template <size_t dst_bytes, size_t src_bytes>
-HWY_INLINE void FindWindows(Windows& windows, const TileColumns& columns, size_t width,
-                            size_t readable) {
-  const size_t row_bytes = width * dst_bytes;
-  if (row_bytes < kVectorBytes) return;
-  const auto source_byte = [&](size_t i) {
-    return size_t(columns.at[i / dst_bytes]) * src_bytes + HWY_MIN(i % dst_bytes, src_bytes - 1);
-  };
-  const auto find = [&](size_t size) {
-    size_t count = 0;
-    for (size_t from = 0; from < row_bytes; from += kVectorBytes, ++count) {
-      const size_t at = HWY_MIN(from, row_bytes - kVectorBytes);
-      const size_t first = size_t(columns.at[at / dst_bytes]) * src_bytes;
-      const size_t window = HWY_MIN(first, readable - size);
-      if (size_t(columns.at[(at + kVectorBytes - 1) / dst_bytes] + 1) * src_bytes > window + size) {
-        return false;
-      }
-      windows.at[count] = at;
-      windows.window[count] = ptrdiff_t(window);
-    }
-    windows.count = count;
-    return true;
-  };
+// Windows for runs of `run` of `total` things, the last of which overlaps the one before; for a run
+// from x to y, `begin(x)` to `end(y)` are the source bytes, in source rows of `readable` bytes.
+// Whether such windows exist, of as few vectors as can be.
+template <class Windows, class Begin, class End>
+HWY_INLINE bool FindWindows(Windows& windows, size_t total, size_t run, size_t readable,
+                            Begin begin, End end) {
+  if (total < run) return false;
   for (size_t vectors : {1, 2, 4}) {
-    if (readable < vectors * kVectorBytes) return;
-    if (!find(vectors * kVectorBytes)) continue;
+    const size_t size = vectors * kVectorBytes;
+    if (readable < size) return false;
     windows.vectors_each = vectors;
-    for (size_t v = 0; v < windows.count; ++v) {
-      for (size_t i = 0; i < kVectorBytes; ++i) {
-        windows.place[v * kVectorBytes + i] =
-            uint8_t(source_byte(windows.at[v] + i) - size_t(windows.window[v]));
+    windows.count = 0;
+    bool fits = true;
+    for (size_t next = 0; next < total && fits; next += run, ++windows.count) {
+      const size_t first = HWY_MIN(next, total - run);
+      const size_t at = HWY_MIN(begin(first), readable - size);
+      fits = end(first + run - 1) <= at + size;
+      windows.first[windows.count] = first;
+      windows.at[windows.count] = ptrdiff_t(at);
+    }
+    if (fits) return true;
+  }
+  return false;
+}
+
+// Windows of single pixels, by bytes of the row.
+template <int bytes>
+HWY_INLINE bool FindPixels(Windows<size_t(bytes)>& windows, const TileColumns& columns) {
+  const auto source = [&](size_t i) { return size_t(columns.at[i / bytes]) * bytes; };
+  if (!FindWindows(windows, columns.width * bytes, kVectorBytes, size_t(columns.last + 1) * bytes,
+                   source, [&](size_t i) { return source(i) + bytes; })) {
+    return false;
+  }
+  uint8_t* place = windows.place;
+  for (size_t v = 0; v < windows.count; ++v) {
+    const size_t first = windows.first[v];
+    for (size_t i = first; i < first + kVectorBytes; ++i) {
+      *place++ = uint8_t(source(i) + i % bytes - size_t(windows.at[v]));
+    }
+  }
+  return true;
+}
+
+// Windows of pairs of neighbours, by columns. A vector has, for each of its blocks, the channels of
+// one pixel: left, 0, right, 0 of blue, then of green, of red; the zeros are put there later. Four
+// vectors have all pixels of a run: first those of block 0, 4, 8, ...
+inline constexpr size_t kPairBytes = 16, kPairRun = kVectorBytes / 4;
+
+template <int bytes>
+HWY_INLINE bool FindPairs(Windows<kPairBytes>& windows, const TileColumns& columns, size_t width) {
+  const auto source = [&](size_t x) { return size_t(columns.at[x]) * bytes; };
+  if (!FindWindows(windows, width, kPairRun, size_t(columns.last + 1) * bytes, source,
+                   [&](size_t x) { return source(x) + 2 * bytes; })) {
+    return false;
+  }
+  constexpr uint64_t kEveryByte = 0x0101010101010101,
+                     kRight = uint64_t{bytes} << 16 | uint64_t{bytes} << 48;
+  constexpr uint64_t kBlueGreen = 0x0101010100000000 + kRight;
+  constexpr uint64_t kRed = 0x0202020202020202 + kRight;
+  uint8_t* place = windows.place;
+  for (size_t v = 0; v < windows.count; ++v) {
+    for (size_t pixel = 0; pixel < 4; ++pixel) {
+      for (size_t x = windows.first[v] + pixel; x < windows.first[v] + kPairRun; x += 4) {
+        const uint64_t at = uint64_t(source(x) - size_t(windows.at[v])) * kEveryByte;
+        StoreWord(place, at + kBlueGreen);
+        StoreWord(place + 8, at + kRed);
+        place += kPairBytes;
       }
     }
-    return;
   }
+  return true;
 }
 
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
-// The bytes at `place` in the window that starts at `src`.
-template <size_t vectors_each, class D>
+// The bytes at `place` in the window that starts at `src`. The windows inside a longer one look at
+// the low bits of the place.
+template <size_t vectors_each, bool inside = false, class D>
 HWY_INLINE hn::VFromD<D> Pick(D d, const uint8_t* src, hn::VFromD<D> place) {
-  constexpr size_t kHalf = vectors_each / 2 * kVectorBytes;
-  const auto within = [&](size_t size)
-                          HWY_ATTR { return hn::And(place, hn::Set(d, uint8_t(size - 1))); };
+  constexpr size_t kSize = vectors_each * kVectorBytes;
+  if constexpr (inside) place = hn::And(place, hn::Set(d, uint8_t(kSize - 1)));
   if constexpr (kHaveByteTables && vectors_each == 1) {
-    return hn::TableLookupLanes(hn::LoadU(d, src), hn::IndicesFromVec(d, within(kVectorBytes)));
+    return hn::TableLookupLanes(hn::LoadU(d, src), hn::IndicesFromVec(d, place));
   } else if constexpr (kHaveByteTables && vectors_each == 2) {
     return hn::TwoTablesLookupLanes(d, hn::LoadU(d, src), hn::LoadU(d, src + kVectorBytes),
-                                    hn::IndicesFromVec(d, within(2 * kVectorBytes)));
+                                    hn::IndicesFromVec(d, place));
   } else if constexpr (vectors_each == 1) {
-    return hn::TableLookupBytes(hn::LoadU(d, src), within(kVectorBytes));
+    return hn::TableLookupBytes(hn::LoadU(d, src), place);
   } else {
-    const auto half = hn::Set(d, uint8_t(kHalf));
+    const auto half = hn::Set(d, uint8_t(kSize / 2));
     const auto upper = hn::Eq(hn::And(place, half), half);
-    return hn::IfThenElse(upper, Pick<vectors_each / 2>(d, src + kHalf, place),
-                          Pick<vectors_each / 2>(d, src, place));
+    return hn::IfThenElse(upper, Pick<vectors_each / 2, true>(d, src + kSize / 2, place),
+                          Pick<vectors_each / 2, true>(d, src, place));
   }
 }
 
-template <size_t vectors_each, bool keep_fourth_byte>
+template <size_t vectors_each, bool keep_fourth_byte, class Windows>
 HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
   const auto colour = hn::BitCast(d, hn::Set(d32, 0x00FFFFFF));
   for (const CopiedRow* row = rows; row != rows + height; ++row) {
     for (size_t v = 0; v < windows.count; ++v) {
-      auto bytes = Pick<vectors_each>(d, row->src + windows.window[v],
+      auto bytes = Pick<vectors_each>(d, row->src + windows.at[v],
                                       hn::Load(d, windows.place + v * kVectorBytes));
-      uint8_t* const dst = row->dst + windows.at[v];
+      uint8_t* const dst = row->dst + windows.first[v];
       if constexpr (keep_fourth_byte) {
         bytes = hn::BitwiseIfThenElse(colour, bytes, hn::LoadU(d, dst));
       }
@@ -119,10 +155,8 @@ HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_
 template <class Format, bool keep_fourth_byte>
 HWY_INLINE void CopyColumnsOf(const TileColumns& columns, const CopiedRow* rows, size_t height) {
   if constexpr (kHaveByteShuffle) {
-    Windows windows;
-    FindWindows<Format::kBytes, Format::kBytes>(windows, columns, columns.width,
-                                                size_t(columns.last + 1) * Format::kBytes);
-    if (windows.count != 0) {
+    Windows<size_t(Format::kBytes)> windows;
+    if (FindPixels<Format::kBytes>(windows, columns)) {
       if (windows.vectors_each == 1) return CopyWindows<1, keep_fourth_byte>(windows, rows, height);
       if (windows.vectors_each == 2) return CopyWindows<2, keep_fourth_byte>(windows, rows, height);
       return CopyWindows<4, keep_fourth_byte>(windows, rows, height);
@@ -155,61 +189,76 @@ void CopyColumns(int pixel_bytes, bool keep_fourth_byte, const TileColumns& colu
 #if HWY_TARGET != HWY_SCALAR
 
 // Mixing works on the pairs (left, right) of one channel as two half words. Weights are taken less
-// 32768, to fit into signed half words: what that takes away is a multiple of the sum.
-template <class D>
-HWY_INLINE hn::VFromD<D> WeightedSum(D d32, hn::VFromD<D> pairs, hn::VFromD<D> weights) {
-  const hn::RebindToSigned<D> di32;
-  const hn::Repartition<int16_t, D> di16;
-  const auto signed_pairs = hn::BitCast(di16, pairs);
-  const auto rest = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::BitCast(di16, weights));
-  const auto sum = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::Set(di16, 1));
-  return hn::BitCast(d32, hn::Add(rest, hn::ShiftLeft<15>(sum)));
-}
-
-// The weights (left, right) of Lanes(d32) columns, and what they become in a row.
+// about half of their range, to fit into signed half words: what that takes away is a multiple of the
+// sum of the pixels.
 template <Mixing mixing, class D>
-struct MixedWeights {
-  using V = hn::VFromD<D>;
-  static constexpr uint32_t kLess32768 = 0x80008000;
-  V top, bottom, down;
+struct MixedWeights;
 
-  HWY_INLINE MixedWeights(D d32, const uint16_t* right, uint32_t row_down) {
-    const hn::Rebind<uint16_t, D> d16_right;
-    const hn::Repartition<uint16_t, D> d16;
-    const V to_right = hn::PromoteTo(d32, hn::LoadU(d16_right, right));
-    const V both = hn::Or(hn::ShiftLeft<16>(to_right), hn::Xor(to_right, hn::Set(d32, 0xFFFF)));
-    const V less = hn::Set(d32, kLess32768);
-    down = hn::Set(d32, row_down);
-    if constexpr (mixing == Mixing::kSmooth) {
-      const auto times = [&](uint32_t factor) HWY_ATTR {
-        const auto product = hn::MulHigh(hn::BitCast(d16, both), hn::Set(d16, uint16_t(factor)));
-        return hn::Xor(hn::BitCast(d32, product), less);
-      };
-      top = times(kSmoothUnit - row_down);
-      bottom = times(row_down);
-    } else {
-      top = bottom = hn::Xor(both, less);
-    }
-  }
+template <class D>
+struct MixedWeights<Mixing::kSmooth, D> {
+  using V = hn::VFromD<D>;
+  static constexpr int16_t kLess = 32767;  // the largest weight is 65534
+  V top, bottom;
+
+  // `both` is (kSmoothUnit - right, right) of Lanes(d32) columns.
+  HWY_INLINE MixedWeights(D d32, V both, uint32_t row_down)
+      : top(Times(d32, both, kSmoothUnit - row_down)), bottom(Times(d32, both, row_down)) {}
 
   // Channels of the `pixel`-th pixel of each block, 256 x 256 times too large.
   template <size_t pixel>
   HWY_INLINE V Mix(D d32, V top_pairs, V bottom_pairs) const {
-    const V upper = WeightedSum(d32, top_pairs, hn::Broadcast<pixel>(top));
-    const V lower = WeightedSum(d32, bottom_pairs, hn::Broadcast<pixel>(bottom));
-    if constexpr (mixing == Mixing::kSmooth) {
-      return hn::Add(upper, lower);
-    } else {
-      // Up to here the weights of a pair sum to 65535; the left pixel once more makes it 65536.
-      const hn::RebindToSigned<D> di32;
-      const hn::Repartition<uint16_t, D> d16;
-      const V left = hn::Set(d32, 0xFFFF);
-      const V from = hn::Add(upper, hn::And(top_pairs, left));
-      const V way = hn::Sub(hn::Add(lower, hn::And(bottom_pairs, left)), from);
-      const V whole = hn::Mul(hn::BitCast(d32, hn::ShiftRight<16>(hn::BitCast(di32, way))), down);
-      const V part = hn::BitCast(d32, hn::MulHigh(hn::BitCast(d16, way), hn::BitCast(d16, down)));
-      return hn::Add(hn::Add(from, whole), part);
-    }
+    const hn::RebindToSigned<D> di32;
+    const hn::Repartition<int16_t, D> di16;
+    const auto upper = hn::BitCast(di16, top_pairs), lower = hn::BitCast(di16, bottom_pairs);
+    const auto above = hn::WidenMulPairwiseAdd(di32, upper, Of<pixel>(di16, top));
+    const auto below = hn::WidenMulPairwiseAdd(di32, lower, Of<pixel>(di16, bottom));
+    const auto less = hn::WidenMulPairwiseAdd(di32, hn::Add(upper, lower), hn::Set(di16, kLess));
+    return hn::BitCast(d32, hn::Add(hn::Add(above, below), less));
+  }
+
+ private:
+  static HWY_INLINE V Times(D d32, V both, uint32_t factor) {
+    const hn::Repartition<uint16_t, D> d16;
+    const auto weights = hn::MulHigh(hn::BitCast(d16, both), hn::Set(d16, uint16_t(factor)));
+    return hn::BitCast(d32, hn::Sub(weights, hn::Set(d16, uint16_t(kLess))));
+  }
+  template <size_t pixel, class D16>
+  static HWY_INLINE hn::VFromD<D16> Of(D16 di16, V weights) {
+    return hn::BitCast(di16, hn::Broadcast<pixel>(weights));
+  }
+};
+
+template <class D>
+struct MixedWeights<Mixing::kInterpolate, D> {
+  using V = hn::VFromD<D>;
+  static constexpr uint32_t kLess = 0x80008000;
+  V along, down;
+
+  HWY_INLINE MixedWeights(D d32, V both, uint32_t row_down)
+      : along(hn::Xor(both, hn::Set(d32, kLess))), down(hn::Set(d32, row_down)) {}
+
+  template <size_t pixel>
+  HWY_INLINE V Mix(D d32, V top_pairs, V bottom_pairs) const {
+    const hn::RebindToSigned<D> di32;
+    const hn::Repartition<uint16_t, D> d16;
+    const V weights = hn::Broadcast<pixel>(along);
+    const V from = Along(d32, top_pairs, weights);
+    const V way = hn::Sub(Along(d32, bottom_pairs, weights), from);
+    const V whole = hn::Mul(hn::BitCast(d32, hn::ShiftRight<16>(hn::BitCast(di32, way))), down);
+    const V part = hn::BitCast(d32, hn::MulHigh(hn::BitCast(d16, way), hn::BitCast(d16, down)));
+    return hn::Add(hn::Add(from, whole), part);
+  }
+
+ private:
+  static HWY_INLINE V Along(D d32, V pairs, V weights) {
+    const hn::RebindToSigned<D> di32;
+    const hn::Repartition<int16_t, D> di16;
+    const auto signed_pairs = hn::BitCast(di16, pairs);
+    const auto rest = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::BitCast(di16, weights));
+    const auto sum = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::Set(di16, 1));
+    // The weights sum to 65535; the left pixel once more makes it 65536.
+    const V left = hn::And(pairs, hn::Set(d32, 0xFFFF));
+    return hn::Add(hn::BitCast(d32, hn::Add(rest, hn::ShiftLeft<15>(sum))), left);
   }
 };
 
@@ -229,37 +278,28 @@ HWY_INLINE hn::VFromD<D> JoinChannels(D d32, hn::VFromD<D> p0, hn::VFromD<D> p1,
 }
 
 template <class Format, Mixing mixing, size_t vectors_each>
-HWY_INLINE void MixWindows(const Windows& windows, const MixedColumns& columns,
+HWY_INLINE void MixWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
                            const MixedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
-  const auto zero = hn::Zero(d);
+  const hn::Rebind<uint16_t, decltype(d32)> d_right;
   for (const MixedRow* row = rows; row != rows + height; ++row) {
     for (size_t v = 0; v < windows.count; ++v) {
-      const size_t x = windows.at[v] / 4;
-      const auto place = hn::Load(d, windows.place + v * kVectorBytes);
-      const uint8_t* const top = row->top + windows.window[v];
-      const uint8_t* const bottom = row->bottom + windows.window[v];
-      const auto top_left = Pick<vectors_each>(d, top, place);
-      const auto top_right = Pick<vectors_each>(d, top + Format::kBytes, place);
-      const auto bottom_left = Pick<vectors_each>(d, bottom, place);
-      const auto bottom_right = Pick<vectors_each>(d, bottom + Format::kBytes, place);
-      // Pairs of the first and second, of the third and fourth pixel of each block.
-      const auto top01 = hn::InterleaveLower(d, top_left, top_right);
-      const auto top23 = hn::InterleaveUpper(d, top_left, top_right);
-      const auto bottom01 = hn::InterleaveLower(d, bottom_left, bottom_right);
-      const auto bottom23 = hn::InterleaveUpper(d, bottom_left, bottom_right);
-      const auto low = [&](auto bytes) HWY_ATTR {
-        return hn::BitCast(d32, hn::InterleaveLower(d, bytes, zero));
+      const size_t x = windows.first[v];
+      const auto right = hn::PromoteTo(d32, hn::LoadU(d_right, columns.right + x));
+      const auto left = hn::Xor(right, hn::Set(d32, kSmoothUnit));
+      const MixedWeights<mixing, WordTag<ByteTag>> weights(
+          d32, hn::Or(left, hn::ShiftLeft<16>(right)), row->down);
+      const auto pairs = [&](const uint8_t* src, size_t pixel) HWY_ATTR {
+        const auto place = hn::Load(d, windows.place + (v * 4 + pixel) * kVectorBytes);
+        return hn::And(hn::BitCast(d32, Pick<vectors_each>(d, src + windows.at[v], place)),
+                       hn::Set(d32, 0x00FF00FF));
       };
-      const auto high = [&](auto bytes) HWY_ATTR {
-        return hn::BitCast(d32, hn::InterleaveUpper(d, bytes, zero));
-      };
-      const MixedWeights<mixing, WordTag<ByteTag>> weights(d32, columns.right + x, row->down);
-      const auto mixed = JoinChannels(d32, weights.template Mix<0>(d32, low(top01), low(bottom01)),
-                                      weights.template Mix<1>(d32, high(top01), high(bottom01)),
-                                      weights.template Mix<2>(d32, low(top23), low(bottom23)),
-                                      weights.template Mix<3>(d32, high(top23), high(bottom23)));
+      const auto mixed =
+          JoinChannels(d32, weights.template Mix<0>(d32, pairs(row->top, 0), pairs(row->bottom, 0)),
+                       weights.template Mix<1>(d32, pairs(row->top, 1), pairs(row->bottom, 1)),
+                       weights.template Mix<2>(d32, pairs(row->top, 2), pairs(row->bottom, 2)),
+                       weights.template Mix<3>(d32, pairs(row->top, 3), pairs(row->bottom, 3)));
       uint8_t* const dst = row->dst + x * Format::kBytes;
       if constexpr (Format::kBytes == 4) {
         const auto below = hn::BitCast(d32, hn::LoadU(d, dst));
@@ -286,9 +326,8 @@ HWY_INLINE void MixColumnsOf(const MixedColumns& columns, const MixedRow* rows, 
     // Up to the last column, which has a right neighbour of its own.
     const int32_t* const end = columns.at + columns.width;
     const size_t inside = size_t(std::lower_bound(columns.at, end, columns.last) - columns.at);
-    Windows windows;
-    FindWindows<4, Format::kBytes>(windows, columns, inside, size_t(columns.last) * Format::kBytes);
-    if (windows.count != 0) {
+    Windows<kPairBytes> windows;
+    if (FindPairs<Format::kBytes>(windows, columns, inside)) {
       mixed = inside;
       if (windows.vectors_each == 1) {
         MixWindows<Format, mixing, 1>(windows, columns, rows, height);
