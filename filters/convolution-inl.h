@@ -90,7 +90,7 @@ HWY_INLINE V JoinFields(D d, V blue, V green, V red) {
                        hn::ShiftLeft<F::Red::kLow>(clamped(red, F::Red::kMax))));
 }
 
-// 32-bit pixels lose their fourth byte.
+// The fourth byte of 32-bit pixels becomes 0. Intended.
 template <class Format, class D8>
 HWY_INLINE hn::VFromD<D8> ColourBytes(D8 d8, hn::VFromD<D8> bytes) {
   if constexpr (Format::kBytes == 4) {
@@ -112,6 +112,7 @@ struct NarrowKernel {
     for (int i = 0; i < list.count; ++i) {
       if (list.weights[i] != 0) taps.Add(list.offset(i), list.weights[i] * sign);
     }
+    if constexpr (kHaveGrids) grid = Grid::Of(taps);
     if constexpr (kByBytes) {
       taps.offsets[taps.count] = 0;
       taps.weights[taps.count] = 0;
@@ -207,18 +208,22 @@ struct NarrowKernel {
     const uint8_t* at[kGroup + 1];
     sources(taps, at);
     at[taps.count] = at[0];  // the other one of the last pair; its weight is 0
-    Run(hn::ScalableTag<uint8_t>(), dst, at, pixels * Format::kBytes);
+    const size_t bytes = pixels * Format::kBytes;
+    size_t done = 0;
+    if constexpr (kHaveGrids) {
+      if (grid.columns != 0) done = RunGrid(dst, at, bytes);
+    }
+    Run(hn::ScalableTag<uint8_t>(), dst, at, done, bytes);
   }
 
-  // At least kUnit pixels. The last vector may overlap the one before.
+  // At least kUnit pixels, those before byte `x` done. The last vector may overlap the one before.
   template <class D8>
-  HWY_INLINE void Run(D8 d8, uint8_t* dst, const uint8_t* const* at, size_t bytes) const {
+  HWY_INLINE void Run(D8 d8, uint8_t* dst, const uint8_t* const* at, size_t x, size_t bytes) const {
     constexpr size_t kSize = hn::MaxLanes(D8());
     if (bytes < kSize) {
-      if constexpr (CanHalve(D8())) Run(hn::Half<D8>(), dst, at, bytes);
+      if constexpr (CanHalve(D8())) Run(hn::Half<D8>(), dst, at, x, bytes);
       return;
     }
-    size_t x = 0;
     const auto one = [&](size_t from) HWY_ATTR {
       if constexpr (kByBytes) {
         BytesAt(d8, dst, at, from);
@@ -233,8 +238,46 @@ struct NarrowKernel {
     if (x != bytes) one(bytes - kSize);
   }
 
+  // Taps of equal weight in rows of equal distances: each column is summed once, and the sums of
+  // neighbouring columns are shifted out of two vectors. Returns how many bytes are done: the sums
+  // reach as far beyond them as a vector, which must not be farther than the taps.
+  HWY_INLINE size_t RunGrid(uint8_t* dst, const uint8_t* const* at, size_t bytes) const {
+    const hn::ScalableTag<uint8_t> d8;
+    const hn::Repartition<int16_t, decltype(d8)> d16;
+    const hn::RebindToUnsigned<decltype(d16)> du;
+    using V = hn::VFromD<decltype(d16)>;
+    constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<int16_t>());
+    const auto column_sums = [&](size_t x) HWY_ATTR {
+      const hn::Half<decltype(d8)> half;
+      V sum = hn::PromoteTo(d16, hn::LoadU(half, at[0] + x));
+      for (size_t i = grid.columns; i < taps.count; i += grid.columns) {
+        sum = hn::Add(sum, hn::PromoteTo(d16, hn::LoadU(half, at[i] + x)));
+      }
+      return sum;
+    };
+    size_t x = 0;
+    V v0 = column_sums(0);
+    for (; x + 3 * kLanes <= bytes; x += 2 * kLanes) {
+      const V v1 = column_sums(x + kLanes), v2 = column_sums(x + 2 * kLanes);
+      V low = v0, high = v1;
+      for (size_t i = 1; i < grid.columns; ++i) {
+        const auto shift = hn::IndicesFromVec(d16, hn::Iota(du, grid.distances[i]));
+        low = hn::Add(low, hn::TwoTablesLookupLanes(d16, v0, v1, shift));
+        high = hn::Add(high, hn::TwoTablesLookupLanes(d16, v1, v2, shift));
+      }
+      const V weight = hn::Set(d16, int16_t(taps.weights[0]));
+      const auto sums = hn::OrderedDemote2To(d8, result(d16, hn::Mul(low, weight), 1),
+                                             result(d16, hn::Mul(high, weight), 1));
+      hn::StoreU(ColourBytes<Format>(d8, sums), d8, dst + x);
+      v0 = v2;
+    }
+    return x;
+  }
+
+  static constexpr bool kHaveGrids = kByBytes && HWY_TARGET <= HWY_AVX3;  // shuffles of two vectors
   NarrowResult result;
   Group taps;
+  Grid grid;
   int16_t weights[kGroup];
 };
 

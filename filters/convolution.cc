@@ -16,7 +16,9 @@ Rows FilteredPixels(const TSurfDesc& image, size_t bytes) {
   if constexpr (Format::kBytes == 2) {
     return {image.pixels, 0, bytes / 2, 1};
   } else {
-    return {image.pixels, image.pitch, size_t(std::max(image.width, 0)), size_t(image.height)};
+    return Joined(
+        {image.pixels, image.pitch, size_t(std::max(image.width, 0)), size_t(image.height)},
+        Format::kBytes);
   }
 }
 

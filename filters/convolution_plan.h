@@ -27,6 +27,30 @@ struct Group {
   int32_t weights[kGroup + 1];
 };
 
+// Taps of equal weight in rows, all with the same distances from their first one.
+struct Grid {
+  static Grid Of(const Group& taps) {
+    Grid grid;
+    size_t columns = 0;
+    for (; columns < taps.count; ++columns) {
+      const ptrdiff_t distance = taps.offsets[columns] - taps.offsets[0];
+      if (distance < 0 || distance > kFarthest) break;
+      grid.distances[columns] = uint16_t(distance);
+    }
+    if (columns < 2 || taps.count < 2 * columns || taps.count % columns != 0) return {};
+    for (size_t i = 0; i < taps.count; ++i) {
+      const size_t first = i - i % columns;
+      if (taps.weights[i] != taps.weights[0]) return {};
+      if (taps.offsets[i] - taps.offsets[first] != grid.distances[i - first]) return {};
+    }
+    grid.columns = columns;
+    return grid;
+  }
+  static constexpr ptrdiff_t kFarthest = 32;  // words of the longest vector
+  size_t columns = 0;                         // 0: the taps are no grid
+  uint16_t distances[kGroup] = {};
+};
+
 // Division of magnitudes up to 2^bits, bits one less than a word has, by a constant: the high word of
 // a product, shifted. With d <= 2^(shift + 1), multiplier = 2^(bits + 1 + shift) / d rounded up is too
 // large by less than 1, so that a product is too large by less than 2^bits, and its quotient by less

@@ -89,20 +89,41 @@ class Pieces {
   }
 
   // The address of pixels that begin at byte `at`. Where some lie outside the buffer, they are put
-  // together in `stage`.
-  const uint8_t* Clamped(int64_t at, size_t pixels, uint8_t* stage) const {
-    if (at >= 0 && at + int64_t(pixels - 1) * kPixel <= last) return image.copy + at;
-    for (size_t i = 0; i < pixels; ++i) {
-      const int64_t from = std::clamp<int64_t>(at + int64_t(i) * kPixel, 0, last);
-      std::memcpy(stage + i * kPixel, image.copy + from, size_t{kPixel});
-    }
+  // together in `stage`: beyond its ends lie its first and its last pixel.
+  const uint8_t* Clamped(int64_t at, size_t pixels, uint8_t* stage) {
+    const auto count = int64_t(pixels);
+    const int64_t before = at >= 0 ? 0 : std::min((kPixel - 1 - at) / kPixel, count);
+    const int64_t up_to_last = at > last ? 0 : std::min((last - at) / kPixel + 1, count);
+    if (before == 0 && up_to_last == count) return image.copy + at;
+    if (before == count) return first_pixels.Of(image.copy);
+    if (up_to_last == 0) return last_pixels.Of(image.copy + last);
+    const auto put = [&](int64_t begin, int64_t end, const uint8_t* from) {
+      if (begin != end) std::memcpy(stage + begin * kPixel, from, size_t((end - begin) * kPixel));
+    };
+    if (before != 0) put(0, before, first_pixels.Of(image.copy));
+    put(before, up_to_last, image.copy + (at + before * kPixel));
+    if (up_to_last != count) put(up_to_last, count, last_pixels.Of(image.copy + last));
     return stage;
   }
+
+  // A pixel of the copy, as often as a piece may need it.
+  struct Repeated {
+    const uint8_t* Of(const uint8_t* pixel) {
+      if (!made) {
+        for (size_t i = 0; i < sizeof(pixels); i += kPixel) std::memcpy(pixels + i, pixel, kPixel);
+        made = true;
+      }
+      return pixels;
+    }
+    bool made = false;
+    uint8_t pixels[kStaged * kPixel];
+  };
 
   const ConvolvedImage& image;
   Kernel kernel;
   const int64_t last, reach, inner_begin, inner_end;
   size_t copied = 0;
+  Repeated first_pixels, last_pixels;
   uint8_t staged[kGroup][kStaged * kPixel];
 };
 
