@@ -114,6 +114,38 @@ std::vector<unsigned char> ShiftTable(const HostSurface& indexed, int shift) {
   return table;
 }
 
+// What a picture has in its first byte, or in its blue field, as grey.
+HostSurface BlueOf(const HostSurface& picture) {
+  HostSurface grey(Format::k8, picture.width, picture.height);
+  CreateGreyPal(grey.Palette());
+  for (int y = 0; y < grey.height; ++y) {
+    for (int x = 0; x < grey.width; ++x) {
+      const uint32_t value = picture.bpp == 8 ? picture.Stored(x, y) : picture.Display(x, y);
+      SetPixel(grey, x, y, value & 255);
+    }
+  }
+  return grey;
+}
+
+// A grey picture as the first bytes of 32-bit pixels.
+HostSurface Deep(HostSurface grey) {
+  HostSurface deep(Format::k32, grey.width, grey.height);
+  DrawBitmap(deep, grey);
+  return deep;
+}
+
+// Strokes and letters on black, each pixel either set or not.
+HostSurface Strokes(Format format, int columns, int rows) {
+  HostSurface picture(format, columns, rows);
+  if (format == Format::k8) CreateGreyPal(picture.Palette());
+  for (int x = 4; x < columns - 6; ++x) {
+    const int dx = 2 * x - columns, y = rows - 8 - (rows - 24) * dx * dx / (columns * columns);
+    IdxFillRect(picture, {x, y, x + 3, y + 3}, picture.Colour(kWhite));
+  }
+  Write(picture, {8, 6}, "PINCEL", kWhite, 3);
+  return picture;
+}
+
 // A colour as it is stored in such a surface; on 8-bit surfaces the true colour.
 uint32_t Packed(const HostSurface& surface, uint32_t rgb) {
   if (surface.bpp == 8) return rgb;
@@ -1523,6 +1555,202 @@ const std::vector<Operation>& Operations() {
          shelf.From("source", letters);
          CreateShadow(shadow, letters, 6, 200, 256);
          shelf.Add("shadow", shadow);
+       })},
+
+      // ---------------------------------------------------------------------------------- Filters
+      {"Filters", "DoSuavizado",
+       "The mean of three by three pixels, twice. Alpha bits count as red, so that 1555 and 4444 "
+       "turn red where they are set; 8 bits are not filtered. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 DoSuavizado(s.canvas, scratch);
+                 DoSuavizado(s.canvas, scratch);
+               })},
+      {"Filters", "DoEmboss",
+       "A relief on a grey of 127. 16-bit fields are filtered as they are and hold less than that: "
+       "white, but for edges of the alpha of 4444. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 DoEmboss(s.canvas, scratch);
+               })},
+      {"Filters", "DoRealce", "Nine times the pixel minus its neighbours.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 DoRealce(s.canvas, scratch);
+               })},
+      {"Filters", "FiltroMask, all 24 kernels",
+       "Reliefs, edges, sharpening, a blur, a shift and a bias. Number 23 is refused.",
+       OnShelf([](Shelf& shelf) {
+         const Stage s(shelf.assets, Format::k24);
+         shelf.From("canvas before", s.canvas);
+         for (int number = 0; number < 24; ++number) {
+           HostSurface filtered = s.canvas, scratch = s.canvas;
+           const bool done = FiltroMask(filtered, scratch, number);
+           shelf.Add(std::to_string(number) + (done ? "" : ", false"), filtered);
+         }
+       })},
+      {"Filters", "FiltroMask in every format",
+       "Number 8, sharpening over five by five pixels. 8 bits are not filtered.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 FiltroMask(s.canvas, scratch, 8);
+               })},
+      {"Filters", "FiltroMask, bias",
+       "Number 18 adds 140 to bytes, but also to fields of five bits, and twice that to green: "
+       "white. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 FiltroMask(s.canvas, scratch, 18);
+               })},
+      {"Filters", "DoConvolucion",
+       "Taps of one's own: sixteen pixels along a falling line, each with the same weight.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 int weights[16];
+                 long offsets[16];
+                 for (int i = 0; i < 16; ++i) {
+                   weights[i] = 1;
+                   offsets[i] = (i - 8) * int(s.canvas.bpp / 8) + (i - 8) / 4 * s.canvas.pitch;
+                 }
+                 DoConvolucion(s.canvas, scratch, 16, weights, offsets, 16, 0);
+               })},
+      {"Filters", "DoConvolucion at the edges",
+       "One tap, thirty pixels to the left: left of a row lies the end of the row above. Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface scratch = s.canvas;
+                 int weight = 1;
+                 long offset = -30 * int(s.canvas.bpp / 8);
+                 DoConvolucion(s.canvas, scratch, 1, &weight, &offset, 1, 0);
+               })},
+
+      // ------------------------------------------------------------------------ Directional blurs
+      {"Directional blurs", "FiltroMotionBlur",
+       "Letters as a mask, smeared over 24 positions, in gold. 8 bits draw nothing.",
+       OnMix({}, {{"mask", BlueOf(Strokes(Format::k8, 100, 75)), {}}},
+             [](Stage& s, Table) {
+               HostSurface mask = Deep(Strokes(Format::k8, 100, 75));
+               const uint32_t gold = Packed(s.canvas, kGold);
+               FiltroMotionBlur(s.canvas, mask, s.canvas.Bounds(), {0, 0}, gold, 24, 0.5F);
+             })},
+      {"Directional blurs", "FiltroMotionBlur, eight directions",
+       "An eighth of a turn from picture to picture: a line is the same both ways, but for one "
+       "position at its end.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface mask = Deep(Strokes(Format::k8, 100, 75));
+         shelf.From("mask", mask);
+         for (int i = 0; i < 8; ++i) {
+           Stage s(shelf.assets, Format::k24);
+           const float angle = 0.78539816F * float(i);
+           FiltroMotionBlur(s.canvas, mask, s.canvas.Bounds(), {0, 0}, kWhite, 16, angle);
+           shelf.Add(std::to_string(45 * i) + " degrees", s.canvas);
+         }
+       })},
+      {"Directional blurs", "FiltroMotionBlur, mask of 8 bits",
+       "The mask and the angle of the first picture, but 8 bits: positions that begin in another "
+       "row of the mask paint nothing. Intended.",
+       OnMix({}, {{"mask", BlueOf(Strokes(Format::k8, 100, 75)), {}}},
+             [](Stage& s, Table) {
+               HostSurface mask = Strokes(Format::k8, 100, 75);
+               const uint32_t gold = Packed(s.canvas, kGold);
+               FiltroMotionBlur(s.canvas, mask, s.canvas.Bounds(), {0, 0}, gold, 24, 0.5F);
+             })},
+      {"Directional blurs", "FiltroBrilloBlur",
+       "A glow to both sides of the letters, which fades with the distance.",
+       OnMix({}, {{"mask", BlueOf(Strokes(Format::k8, 100, 75)), {}}},
+             [](Stage& s, Table) {
+               HostSurface mask = Strokes(Format::k8, 100, 75);
+               const uint32_t gold = Packed(s.canvas, kGold);
+               FiltroBrilloBlur(s.canvas, mask, s.canvas.Bounds(), {0, 0}, gold, 24, 0);
+             })},
+      {"Directional blurs", "FiltroMotionMask",
+       "White through a soft mask, once. White is 0xFFFFFF everywhere: at 16 bits its low half.",
+       OnMix({}, {{"mask", SoftDisc(), {}}},
+             [](Stage& s, Table) {
+               HostSurface mask = SoftDisc();
+               FiltroMotionMask(s.canvas, mask, s.canvas.Bounds(), {0, 0}, 256);
+             })},
+      {"Directional blurs", "A caption with shadow, glow and trail",
+       "CreateMask takes the letters' shape, CreateShadow grows their shadow, FiltroMotionBlur "
+       "draws the trail and FiltroBrilloBlur the glow; the letters come last.",
+       OnMix({}, {},
+             [](Stage& s, Table table) {
+               HostSurface letters = Caption(s.canvas, s.format), shape = EmptyMask(s.canvas);
+               HostSurface plain = Caption(s.canvas, Format::k32);
+               CreateMask(shape, plain, 256);
+               HostSurface shadow = EmptyMask(shape), deep = Deep(shape);
+               CreateShadow(shadow, shape, 16, 200, 256);
+               const CRectangulo all = s.canvas.Bounds();
+               DrawMask(s.canvas, all, shadow, {0, 0}, Packed(s.canvas, kInk), table);
+               FiltroMotionBlur(s.canvas, deep, all, {-9, 0}, Packed(s.canvas, kSky), 20, 0);
+               FiltroBrilloBlur(s.canvas, deep, all, {0, 0}, Packed(s.canvas, kWhite), 8, 0.78F);
+               FiltroBrilloBlur(s.canvas, deep, all, {0, 0}, Packed(s.canvas, kWhite), 8, 2.36F);
+               DrawBitmap(s.canvas, letters);
+             })},
+
+      // ---------------------------------------------------------------------------- Anti-aliasing
+      {"Anti-aliasing", "DoAntiAlias",
+       "Strokes without grey, softened; shown is the blue of each pixel, which holds the value. 8 "
+       "bits are left as they are.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface strokes = Strokes(s.format, 100, 75);
+                 DoAntiAlias(strokes, strokes.Bounds(), strokes, 256);
+                 return BlueOf(strokes);
+               })},
+      {"Anti-aliasing", "DoAntiAlias2",
+       "By a cross, and only pixels that are set: corners are taken off.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface strokes = Strokes(s.format, 100, 75);
+                 DoAntiAlias2(strokes, strokes.Bounds(), strokes, 256);
+                 return BlueOf(strokes);
+               })},
+      {"Anti-aliasing", "DoAntiAlias2, higher than wide",
+       "As many rows are copied as the image has columns, the others read as 0 and become 0. "
+       "Intended.",
+       OnPhoto({},
+               [](Stage& s) {
+                 HostSurface strokes(s.format, 50, 75);
+                 HostSurface wide = Strokes(s.format, 100, 75);
+                 DrawBlock(strokes, wide, 20, 0, 0, 0, 50, 75);
+                 if (s.format == Format::k8) strokes.UsePaletteOf(wide);
+                 DoAntiAlias2(strokes, strokes.Bounds(), strokes, 256);
+                 return BlueOf(strokes);
+               })},
+      {"Anti-aliasing", "One pixel past the row",
+       "A bar from edge to edge, ten times as large. Rows 2 to 6 are processed, each from its "
+       "second pixel to the first pixel of the next row. Intended.",
+       OnShelf([](Shelf& shelf) {
+         HostSurface bar(Format::k32, 12, 9);
+         IdxFillRect(bar, {0, 1, 12, 8}, 0xFF000060);
+         const auto magnified = [](HostSurface& small) {
+           HostSurface large(Format::k32, 120, 90);
+           BltStrech(large, large.Bounds(), small, small.Bounds(), false);
+           return BlueOf(large);
+         };
+         shelf.From("before", magnified(bar));
+         DoAntiAlias(bar, bar.Bounds(), bar, 256);
+         shelf.Add("DoAntiAlias", magnified(bar));
+       })},
+      {"Anti-aliasing", "DoAntiAliasBMP",
+       "Codes of the edges: a bit for each of six neighbours above a threshold that falls along "
+       "the "
+       "image. Five of them are codes already, small numbers that count below only. Intended.",
+       OnShelf([](Shelf& shelf) {
+         const HostSurface strokes = Strokes(Format::k8, 100, 75);
+         shelf.From("coverage", BlueOf(strokes));
+         for (int level : {256, 128}) {
+           HostSurface codes = strokes;
+           DoAntiAliasBMP(codes, static_cast<unsigned short>(level));
+           shelf.Add("level " + std::to_string(level), BlueOf(codes));
+         }
        })},
 
       // ------------------------------------------------------------------------------- Flood fill
