@@ -117,6 +117,7 @@ int main(int argc, char** argv) {
   bench::AddBlits();
   bench::AddFills();
   bench::AddConversions();
+  bench::AddConvolutions();
   bench::AddLines();
   bench::AddFloods();
   bench::AddMixes();

@@ -130,6 +130,7 @@ inline void AddMemcpy(const std::string& operation, const std::string& format, i
 // Each file of benchmarks registers its own; called by main once the flags are known.
 void AddBlits();
 void AddConversions();
+void AddConvolutions();
 void AddFills();
 void AddLines();
 void AddFloods();
