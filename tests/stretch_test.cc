@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -440,6 +441,60 @@ TEST(StretchBitmap, AnyCaseMatchesModel) {
     const CRectangulo src_rect =
         random.OneIn(2) ? Whole(src) : support::RandomRect(random, src_width, src_height);
     InProportion(dst, dst_rect, src, src_rect, format, !random.OneIn(20));
+  });
+}
+
+TEST(StretchBitmap, EnlargingOneColumnOrRowRepeatsIt) {
+  const Picture src = PictureOf(24, 3, 3, {1, 2, 3, 4, 0x050505, 6, 7, 8, 9});
+  EXPECT_EQ(Pixels(InProportion(Filled(24, 3, 2, 0), {0, 0, 3, 2}, src, {1, 1, 2, 2}, 24)),
+            Words(6, 0x050505));
+}
+
+TEST(StretchBitmap, OtherDepthsThanTheSurfacesMatchModel) {
+  support::ForEachCase(200, [](Random& random, int) {
+    // Pixels of four bytes on surfaces of three, where three quarters of the columns have room for
+    // them, and the other way round.
+    const int format = random.OneIn(2) ? 24 : 32, bits = 56 - format;
+    const int width = random.Between(2, 60), height = random.Between(1, 6);
+    const int src_width = random.Between(2, 90), src_height = random.Between(1, 15);
+    const Picture dst = support::RandomPicture(random, format, width, height);
+    const Picture src = support::RandomPicture(random, format, src_width, src_height);
+    InProportion(dst, {0, 0, width * 3 / 4, height}, src,
+                 {0, 0, std::max(src_width * 3 / 4, 1), src_height}, bits);
+  });
+}
+
+TEST(StretchBitmap, SidesBeyond255MatchModel) {
+  support::ForEachCase(60, [](Random& random, int) {
+    const int width = random.OneIn(2) ? random.Between(1, 300) : random.Between(1, 40);
+    const int height = random.Between(1, 20);
+    const int src_width = random.Between(width + 1, 700);
+    const int src_height = random.OneIn(4) ? random.Between(257, 300) : random.Between(21, 60);
+    const Picture dst = support::RandomPicture(random, 24, width, height);
+    const Picture src = support::RandomPicture(random, 24, src_width, src_height);
+    InProportion(dst, Whole(dst), src, Whole(src), 24);
+  });
+}
+
+// Surfaces of any depth taken for 24 or 32 bits: rows that leave the surface are not drawn.
+TEST(StretchBitmap, DepthsThatDoNotFitStayInMemory) {
+  support::ForEachCase(400, [](Random& random, int) {
+    const int format = model::kFormats[random.Below(7)];
+    const int width = random.Between(1, 40), height = random.Between(1, 6);
+    const Picture before =
+        support::RandomPicture(random, format, width, height, support::AnyOptions(random));
+    Picture dst = before;
+    Picture src = support::RandomPicture(random, format, random.Between(1, 90),
+                                         random.Between(1, 15), support::AnyOptions(random));
+    TSurfDesc d = Describe(dst), s = Describe(src);
+    EXPECT_TRUE(StretchBitmap(d, Whole(dst), s, Whole(src), random.OneIn(2) ? 24 : 32, true, true));
+    const int64_t last = int64_t{height - 1} * dst.pitch;
+    const int64_t begin = dst.origin + std::min(last, int64_t{0});
+    const int64_t end = begin + std::abs(last) + width * dst.BytesPerPixel();
+    for (int64_t i = 0; i < int64_t(dst.bytes.size()); ++i) {
+      const bool inside = i >= begin && i < end;
+      ASSERT_TRUE(inside || dst.bytes[size_t(i)] == before.bytes[size_t(i)]) << "byte " << i;
+    }
   });
 }
 

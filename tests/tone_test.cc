@@ -466,6 +466,16 @@ TEST(CreateShadow, WordsIgnoreThePitchBetweenRows) {
   EXPECT_EQ(words, (Words{0, 0, 0, 0, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0, 0}));
 }
 
+TEST(CreateShadow, ShadowOf1555MakesTheSourcesFormatCount) {
+  // The test for 1555 is made on the shadow, which is then written as 32 bits.
+  const Picture src = PictureOf(18, 2, 2, {0, 0, 0, 0x7FFF});
+  const Picture shadow = Filled(18, 4, 2, 0x0909);
+  Picture narrow = shadow;
+  narrow.width = 2;
+  EXPECT_EQ(Shadowed(narrow, src, 0, 255, 256).bytes,
+            (std::vector<uint8_t>{9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 0xF8, 0xF8, 0xF8, 9}));
+}
+
 TEST(CreateShadow, ScaledWordsKeepTheirFourthByte) {
   EXPECT_EQ(Pixels(Shadowed(Filled(32, 2, 2, 0xAAC08040), Filled(32, 2, 2, 0xFF), 0, 0, 128)),
             (Words{0xAA604020, 0xAA604020, 0xAA604020, 0xAA7F7F7F}));
@@ -502,9 +512,10 @@ TEST(CreateShadow, AnyDeepMaskMatchesModel) {
 }
 
 TEST(CreateShadow, AnyShadowOfWordsMatchesModel) {
-  support::ForEachCase(support::kWidths * 6, [](Random& random, int seed) {
-    const int width = support::WidthOf(seed), height = random.Between(0, 9);
-    Picture src = WholeBuffer(random, 32, width, height);
+  static constexpr int kSources[] = {32, 16, 32, 17, 32, 19, 32, 24};
+  support::ForEachCase(support::kWidths * 8, [](Random& random, int seed) {
+    const int width = support::WidthOf(seed / 8), height = random.Between(0, 9);
+    Picture src = WholeBuffer(random, kSources[seed % 8], width, height);
     Picture shadow = WholeBuffer(random, 32, width, height);
     if (random.OneIn(2)) SetCoverage(random, src);
     if (random.OneIn(2)) SetCoverage(random, shadow);
@@ -512,6 +523,57 @@ TEST(CreateShadow, AnyShadowOfWordsMatchesModel) {
     const int limit = random.OneIn(2) ? 255 : random.Below(256);
     const int factor = random.OneIn(2) ? 256 : random.Below(700);
     Shadowed(shadow, src, decay, limit, factor);
+  });
+}
+
+// The part of a picture's bytes from its lowest row to the end of its highest is its own; a copy of
+// `before` in which that part is from `after` must be `after`.
+void ExpectNothingOutside(const Picture& before, const Picture& after) {
+  const int64_t last = int64_t{before.height - 1} * before.pitch;
+  const int64_t begin = before.origin + std::min(last, int64_t{0});
+  const int64_t end = begin + std::abs(last) + std::max(std::abs(before.pitch), 1);
+  for (int64_t i = 0; i < int64_t(before.bytes.size()); ++i) {
+    if (i >= begin && i < end) continue;
+    ASSERT_EQ(before.bytes[size_t(i)], after.bytes[size_t(i)]) << "byte " << i;
+  }
+}
+
+// Rows upwards, sources that are smaller than the output, outputs of other depths than they should
+// have, sizes below 0: anything may be drawn, but nothing outside.
+TEST(Tone, NothingIsWrittenOutsideWhateverTheDescriptors) {
+  support::ForEachCase(3000, [](Random& random, int) {
+    support::PictureOptions options = support::AnyOptions(random);
+    options.negative_pitch = random.OneIn(2);
+    const Picture before =
+        support::RandomPicture(random, model::kFormats[random.Below(7)], random.Between(1, 40),
+                               random.Between(1, 9), options);
+    Picture out = before;
+    Picture src = support::RandomPicture(random, model::kFormats[random.Below(7)],
+                                         random.Between(1, 40), random.Between(1, 9), options);
+    for (Picture* p : {&out, &src}) {  // every row with its padding
+      if (options.exact) p->bytes.resize(size_t(p->height * std::abs(p->pitch)));
+    }
+    const Picture whole = out;
+    TSurfDesc d = Describe(out), s = Describe(src);
+    if (random.OneIn(9)) d.width = -d.width;
+    if (random.OneIn(9)) d.height = -d.height;
+    const std::vector<uint8_t> src_bytes = src.bytes;
+    switch (random.Below(4)) {
+      case 0:
+        DoFactor(d, Short(random.Below(256)));
+        break;
+      case 1:
+        DoGradient(d, 0x112233, 0xFFEEDD);
+        break;
+      case 2:
+        CreateMask(d, s, 256);
+        break;
+      default:
+        CreateShadow(d, s, 3, 255, Short(random.Below(300)));
+        break;
+    }
+    ExpectNothingOutside(whole, out);
+    EXPECT_EQ(src.bytes, src_bytes);
   });
 }
 

@@ -37,11 +37,12 @@ void ScaleBuffer(Picture& p, int factor) {
   }
 }
 
-void ScaleColours(Picture& p, int factor) {
+// The first three bytes of pixels of `unit` bytes.
+void ScaleColours(Picture& p, int64_t unit, int factor) {
   for (int64_t y = 0; y < p.height; ++y) {
     for (int64_t x = 0; x < p.width; ++x) {
-      for (int i = 0; i < 3; ++i) {
-        uint8_t& byte = p.bytes.at(size_t(p.Index(x, y) + i));
+      for (int64_t i = 0; i < 3; ++i) {
+        uint8_t& byte = p.bytes.at(size_t(p.origin + y * p.pitch + x * unit + i));
         byte = Scaled(byte, factor);
       }
     }
@@ -112,7 +113,7 @@ void Darken(Picture& p, int factor) {
       p.Put(x, 0, DarkenedFields(p.format, p.Get(x, 0), factor));
     }
   } else {
-    ScaleColours(p, factor);
+    ScaleColours(p, p.BytesPerPixel(), factor);
     if (p.format == 24) return;
     for (int64_t y = 0; y < p.height; ++y) {
       for (int64_t x = 0; x < p.width; ++x) {
@@ -170,7 +171,7 @@ bool CreateShadow(Picture& shadow, const Picture& src, int decay, int limit, int
   }
   if (factor == 256) return true;
   if (words) {
-    ScaleColours(shadow, factor);
+    ScaleColours(shadow, 4, factor);
   } else {
     ScaleBuffer(shadow, factor);
   }
