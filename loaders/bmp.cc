@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <utility>
 
+#include "convert/convert_rows.h"
 #include "loaders/byte_reader.h"
+#include "loaders/colour_rows.h"
 #include "loaders/pixel_sink.h"
 #include "surface/format_dispatch.h"
 #include "surface/rows.h"
@@ -193,8 +195,7 @@ void LoadIndexed(const TSurfDesc& surface, const Header& header, const Colours& 
   const Rows rows = RowsInFileOrder<Format>(surface, header);
   if (!header.run_length) {
     const IndexSink<Format> sink(colours.data());
-    ForEachRow(WithPixels(rows, header, 1),
-               [&](uint8_t* dst, const uint8_t* src) { sink.Row(dst, src, rows.width); });
+    sink.Store(WithPixels(rows, header, 1));
     return;
   }
   const bool top_down = header.height < 0;
@@ -214,23 +215,14 @@ void LoadIndexed(const TSurfDesc& surface, const Header& header, const Colours& 
 // the next pixel's blue, or what stands behind the row. A fourth byte at 32 bits is kept. Intended.
 // Indexed surfaces are not written.
 template <class Format>
-void StoreTrueColour(uint8_t* dst, const uint8_t* src, size_t width) {
-  if constexpr (Format::kBytes == 1) return;
+void StoreTrueColour(const SourceRows& rows) {
   if constexpr (Format::kBytes == 3) {
-    std::memcpy(dst, src, 3 * width);
-    return;
-  }
-  for (size_t x = 0; x < width; ++x, dst += Format::kBytes, src += 3) {
-    const Bgr colour{src[0], src[1], src[2]};
-    if constexpr (!PackedFields<Format>) {
-      dst[0] = colour.blue;
-      dst[1] = colour.green;
-      dst[2] = colour.red;
-    } else if constexpr (Format::Alpha::kWidth == 0) {
-      Format::Store(dst, Format::Pack(colour));
-    } else {
-      Format::Store(dst, PackWithAlpha<Format>(colour, src[3]));
-    }
+    CopyRows<Format>(rows);
+  } else if constexpr (Format::kBytes == 4) {
+    StoreColourBytes(3, rows);
+  } else if constexpr (PackedFields<Format>) {
+    using Alpha = std::conditional_t<Format::Alpha::kWidth == 0, NoAlpha, AlphaOfSource>;
+    Repack<Repacking<Format, Rgb888, Alpha>>(rows);
   }
 }
 
@@ -365,16 +357,20 @@ pincel_status ReadImage(const uint8_t* data, size_t length, Image& image) {
   return image.pixels_at < kFileHeader + header ? PINCEL_CORRUPT : PINCEL_OK;
 }
 
-// `row(dst, src)` for each row that the file has.
-template <class Row>
-pincel_status ForEachStoredRow(const Rows& rows, const Image& image, ByteReader pixels, Row&& row) {
-  for (size_t y = 0; y < rows.height; ++y) {
-    if (pixels.Left() < image.RowBytes()) return PINCEL_TRUNCATED;
-    const size_t bytes = size_t(image.RowBytes());
-    row(rows.dst + ptrdiff_t(y) * rows.dst_pitch, pixels.Bytes(bytes));
-    pixels.Bytes(std::min((4 - bytes % 4) % 4, pixels.Left()));
+// The rows that the file has, of those that the surface takes.
+struct StoredRows {
+  SourceRows rows;
+  pincel_status status;
+};
+StoredRows RowsOfFile(const Rows& rows, const Image& image, const ByteReader& pixels) {
+  const uint64_t row_bytes = image.RowBytes(), stride = (row_bytes + 3) / 4 * 4;
+  const uint64_t whole = pixels.Left() < row_bytes ? 0 : (pixels.Left() - row_bytes) / stride + 1;
+  StoredRows stored = {{rows, pixels.At(), ptrdiff_t(stride)}, PINCEL_OK};
+  if (whole < rows.height) {
+    stored.rows.height = size_t(whole);
+    stored.status = PINCEL_TRUNCATED;
   }
-  return PINCEL_OK;
+  return stored;
 }
 
 template <class Format>
@@ -389,11 +385,12 @@ pincel_status LoadIndices(const Rows& rows, const Image& image, const ByteReader
            : end == RunLengthEnd::kDataEnded ? PINCEL_TRUNCATED
                                              : PINCEL_CORRUPT;
   }
-  return ForEachStoredRow(rows, image, pixels, [&](uint8_t* dst, const uint8_t* src) {
-    if (image.bits == 8) {
-      sink.Row(dst, src, rows.width);
-      return;
-    }
+  const StoredRows stored = RowsOfFile(rows, image, pixels);
+  if (image.bits == 8) {
+    sink.Store(stored.rows);
+    return stored.status;
+  }
+  ForEachRow(stored.rows, [&](uint8_t* dst, const uint8_t* src) {
     constexpr size_t kPiece = 256;  // a whole number of bytes
     uint8_t indices[kPiece];
     for (size_t x = 0; x < rows.width; x += kPiece, src += kPiece * image.bits / 8) {
@@ -402,25 +399,41 @@ pincel_status LoadIndices(const Rows& rows, const Image& image, const ByteReader
       sink.Row(dst + x * Format::kBytes, indices, count);
     }
   });
+  return stored.status;
 }
 
 // `colour(src)` gives the colour of a pixel of `src_bytes` bytes.
 template <class Format, class Colour>
-pincel_status LoadColours(const Rows& rows, const Image& image, const ByteReader& pixels,
-                          size_t src_bytes, Colour&& colour) {
-  return ForEachStoredRow(rows, image, pixels, [&](uint8_t* dst, const uint8_t* src) {
+void StoreColours(const SourceRows& rows, size_t src_bytes, Colour&& colour) {
+  ForEachRow(rows, [&](uint8_t* dst, const uint8_t* src) {
     for (size_t x = 0; x < rows.width; ++x, dst += Format::kBytes, src += src_bytes) {
       Format::Store(dst, PackEntry<Format>(colour(src)));
     }
   });
 }
 
+// 24-bit pixels, opaque.
 template <class Format>
-pincel_status LoadTrueColour(const Rows& rows, const Image& image, const ByteReader& pixels) {
-  if (image.bits == 24) {
-    return LoadColours<Format>(rows, image, pixels, 3, [](const uint8_t* src) {
+void StoreOpaque(const SourceRows& rows) {
+  if constexpr (Format::kBytes == 3) {
+    CopyRows<Format>(rows);
+  } else if constexpr (Format::kBytes == 4) {
+    Repack<Pack24To32>(rows);
+  } else if constexpr (Format::Alpha::kWidth == 0) {
+    Repack<Repacking<Format, Rgb888>>(rows);
+  } else {
+    StoreColours<Format>(rows, 3, [](const uint8_t* src) {
       return TRGBA{src[0], src[1], src[2], 0xFF};
     });
+  }
+}
+
+template <class Format>
+pincel_status LoadTrueColour(const Rows& all_rows, const Image& image, const ByteReader& pixels) {
+  const auto [rows, status] = RowsOfFile(all_rows, image, pixels);
+  if (image.bits == 24) {
+    StoreOpaque<Format>(rows);
+    return status;
   }
   const Channel red(image.masks[0], 0), green(image.masks[1], 0), blue(image.masks[2], 0);
   const Channel alpha(image.masks[3], 0xFF);
@@ -428,11 +441,13 @@ pincel_status LoadTrueColour(const Rows& rows, const Image& image, const ByteRea
     return TRGBA{blue.Get(pixel), green.Get(pixel), red.Get(pixel), alpha.Get(pixel)};
   };
   if (image.bits == 16) {
-    return LoadColours<Format>(rows, image, pixels, 2,
-                               [&](const uint8_t* src) { return colour(LoadWord<uint16_t>(src)); });
+    StoreColours<Format>(rows, 2,
+                         [&](const uint8_t* src) { return colour(LoadWord<uint16_t>(src)); });
+  } else {
+    StoreColours<Format>(rows, 4,
+                         [&](const uint8_t* src) { return colour(LoadWord<uint32_t>(src)); });
   }
-  return LoadColours<Format>(rows, image, pixels, 4,
-                             [&](const uint8_t* src) { return colour(LoadWord<uint32_t>(src)); });
+  return status;
 }
 
 }  // namespace
@@ -458,10 +473,7 @@ bool LoadBMP(TSurfDesc& surface, unsigned char* bitmap) {
     if (header.bits == 8) {
       LoadIndexed<Format>(surface, header, colours);
     } else if (header.bits > 16) {  // every such depth is read as 24
-      const Rows rows = RowsInFileOrder<Format>(surface, header);
-      ForEachRow(WithPixels(rows, header, 3), [&](uint8_t* dst, const uint8_t* src) {
-        StoreTrueColour<Format>(dst, src, rows.width);
-      });
+      StoreTrueColour<Format>(WithPixels(RowsInFileOrder<Format>(surface, header), header, 3));
     }
     return true;
   });
@@ -481,8 +493,7 @@ bool LoadBMPAlpha(TSurfDesc& surface, unsigned char* bitmap) {
     DecodeRunLength(ByteReader(header.pixels), 8, rows, IndexSink<Indexed8>(nullptr),
                     Padding::kOneByte, [](uint8_t*, size_t, Skipped) {});
   } else {
-    ForEachRow(WithPixels(rows, header, 1),
-               [&](uint8_t* dst, const uint8_t* src) { std::memcpy(dst, src, rows.width); });
+    CopyRows<Indexed8>(WithPixels(rows, header, 1));
   }
   return true;
 }

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "loaders/byte_reader.h"
+#include "loaders/colour_rows.h"
 #include "loaders/lzw.h"
 #include "loaders/pixel_sink.h"
 #include "surface/format_dispatch.h"
@@ -215,15 +216,24 @@ bool DecodePacked(CQXGIF& gif, RAW& record, const TSurfDesc& surface) {
 // the surface held before. Intended.
 class ThreeByteSink {
  public:
-  explicit ThreeByteSink(const TRGBA* colours) : colours_(colours) {}
-  void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
-    for (size_t x = 0; x < width; ++x, dst += Argb8888::kBytes) {
-      std::memcpy(dst, &colours_[indices[x]], 3);
+  explicit ThreeByteSink(const TRGBA* colours) : table_(PixelsOfPalette(Argb8888(), colours)) {}
+  void Store(const SourceRows& rows) const {
+    uint32_t pixels[kPixels];
+    for (SourceRows row = rows; row.height > 0; --row.height) {
+      for (size_t x = 0; x < rows.width; x += kPixels) {
+        const size_t count = std::min(kPixels, rows.width - x);
+        uint8_t* const piece = reinterpret_cast<uint8_t*>(pixels);
+        ExpandIndexed(4, {{piece, 0, count, 1}, row.src + x, 0}, table_, false);
+        StoreColourBytes(4, {{row.dst + 4 * x, 0, count, 1}, piece, 0});
+      }
+      row.dst += row.dst_pitch;
+      row.src += row.src_pitch;
     }
   }
 
  private:
-  const TRGBA* const colours_;
+  static constexpr size_t kPixels = 2048;
+  const PixelTable table_;
 };
 template <class Format>
 using InPlaceSink =
@@ -234,21 +244,29 @@ using InPlaceSink =
 // are longer than the pitch stay packed. Intended.
 template <class Format>
 void SpreadInPlace(const TSurfDesc& surface, const TRGBA* colours) {
-  if (surface.width == surface.pitch || int64_t{surface.width} * Format::kBytes > surface.pitch) {
+  if (surface.width <= 0 || surface.width == surface.pitch ||
+      int64_t{surface.width} * Format::kBytes > surface.pitch) {
     return;
   }
   const InPlaceSink<Format> sink(colours);
-  for (int32_t y = surface.height - 1; y >= 0; --y) {
+  constexpr int32_t kIndices = 8192;
+  uint8_t indices[kIndices];
+  const int32_t columns = std::min(surface.width, kIndices), rows = kIndices / columns;
+  // Piece by piece from the last pixel, so that no index is overwritten before it is read. A piece is
+  // several rows, or a part of one.
+  for (int32_t end_y = surface.height; end_y > 0;) {
+    const int32_t y = std::max(end_y - rows, 0);
     const uint8_t* const packed = surface.pixels + ptrdiff_t{y} * surface.width;
-    // From the last pixel, so that no index is overwritten before it is read.
-    for (int32_t end = surface.width; end > 0;) {
-      uint8_t indices[256];
-      const int32_t begin = (end - 1) & ~255;
-      const size_t count = size_t(end - begin);
-      std::memcpy(indices, packed + begin, count);
-      sink.Row(PixelAt<Format>(surface, begin, y), indices, count);
-      end = begin;
+    for (int32_t end_x = surface.width; end_x > 0;) {
+      const int32_t x = (end_x - 1) / columns * columns;
+      const size_t width = size_t(end_x - x), height = size_t(end_y - y);
+      std::memcpy(indices, packed + x, width * height);
+      sink.Store({{PixelAt<Format>(surface, x, y), surface.pitch, width, height},
+                  indices,
+                  ptrdiff_t(width)});
+      end_x = x;
     }
+    end_y = y;
   }
 }
 

@@ -6,9 +6,19 @@
 #include <cstdint>
 #include <cstring>
 
-#include "surface/pixel_format.h"
+#include "surface/expand_rows.h"
+#include "surface/rows.h"
 
 namespace pincel {
+
+template <class Format>
+void CopyRows(const SourceRows& rows) {
+  if (rows.height == 0) return;
+  const SourceRows joined = Joined(rows, Format::kBytes, Format::kBytes);
+  ForEachRow(joined, [&](uint8_t* dst, const uint8_t* src) {
+    std::memcpy(dst, src, joined.width * Format::kBytes);
+  });
+}
 
 // The stored pixel of a colour with alpha; 16-bit formats keep the top bits of each byte.
 template <class Format>
@@ -27,9 +37,21 @@ constexpr typename Format::Word PackEntry(const TRGBA& entry) {
   return PackWithAlpha<Format>(ToBgr(entry), entry.alpha);
 }
 
+// The same pixel all along; without writing a byte more, and quickly where there are few.
 template <class Format>
 void StoreRun(uint8_t* dst, typename Format::Word pixel, size_t width) {
-  for (size_t x = 0; x < width; ++x) Format::Store(dst + x * Format::kBytes, pixel);
+  if constexpr (Format::kBytes == 3) {
+    for (size_t x = 0; x < width; ++x) Format::Store(dst + x * Format::kBytes, pixel);
+  } else {
+    const uint64_t pixels = ~uint64_t{0} / ((uint64_t{1} << (8 * Format::kBytes)) - 1) * pixel;
+    const size_t bytes = width * Format::kBytes;
+    if (bytes >= 8) {
+      for (size_t at = 0; at + 8 <= bytes; at += 8) StoreWord(dst + at, pixels);
+      StoreWord(dst + bytes - 8, pixels);
+    } else {
+      for (size_t x = 0; x < width; ++x) Format::Store(dst + x * Format::kBytes, pixel);
+    }
+  }
 }
 
 // Stores palette indices as pixels: each index is packed once.
@@ -37,19 +59,25 @@ template <class Format>
 class IndexSink {
  public:
   explicit IndexSink(const TRGBA* colours) {
-    for (int i = 0; i < 256; ++i) pixels_[i] = PackEntry<Format>(colours[i]);
+    for (int i = 0; i < 256; ++i) table_.pixel[i] = PackEntry<Format>(colours[i]);
   }
+  // Whole rows; a few pixels; the same pixel several times.
+  void Store(const SourceRows& rows) const { ExpandIndexed(Format::kBytes, rows, table_, false); }
   void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
     for (size_t x = 0; x < width; ++x) {
-      Format::Store(dst + x * Format::kBytes, pixels_[indices[x]]);
+      Format::Store(dst + x * Format::kBytes, Pixel(indices[x]));
     }
   }
   void Run(uint8_t* dst, uint8_t index, size_t width) const {
-    StoreRun<Format>(dst, pixels_[index], width);
+    StoreRun<Format>(dst, Pixel(index), width);
   }
 
  private:
-  typename Format::Word pixels_[256];
+  typename Format::Word Pixel(uint8_t index) const {
+    return typename Format::Word(table_.pixel[index]);
+  }
+
+  PixelTable table_;
 };
 
 // 8-bit surfaces take the indices as they are; the colours go to the palette.
@@ -57,10 +85,22 @@ template <>
 class IndexSink<Indexed8> {
  public:
   explicit IndexSink(const TRGBA*) {}
+  void Store(const SourceRows& rows) const { CopyRows<Indexed8>(rows); }
   void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
-    std::memcpy(dst, indices, width);
+    if (width >= 8 && width < 32) {
+      for (size_t x = 0; x + 8 <= width; x += 8) {
+        StoreWord(dst + x, LoadWord<uint64_t>(indices + x));
+      }
+      StoreWord(dst + width - 8, LoadWord<uint64_t>(indices + width - 8));
+    } else if (width >= 8) {
+      std::memcpy(dst, indices, width);
+    } else {
+      for (size_t x = 0; x < width; ++x) dst[x] = indices[x];
+    }
   }
-  void Run(uint8_t* dst, uint8_t index, size_t width) const { std::memset(dst, index, width); }
+  void Run(uint8_t* dst, uint8_t index, size_t width) const {
+    StoreRun<Indexed8>(dst, index, width);
+  }
 };
 
 // Gives an 8-bit surface's palette the first `count` colours of an image; fourth bytes are kept.
