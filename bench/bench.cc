@@ -122,6 +122,7 @@ int main(int argc, char** argv) {
   bench::AddFloods();
   bench::AddMixes();
   bench::AddBlends();
+  bench::AddLoads();
   bench::AddEffects();
   bench::AddStretches();
   bench::AddTransforms();

@@ -136,6 +136,7 @@ void AddLines();
 void AddFloods();
 void AddMixes();
 void AddBlends();
+void AddLoads();
 void AddEffects();
 void AddStretches();
 void AddTransforms();
