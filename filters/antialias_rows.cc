@@ -40,8 +40,8 @@ struct SmoothKernel {
   using Lane = uint8_t;
   using Bits = ValueBits<Format>;
   static constexpr size_t kDstBytes = Format::kBytes;
-  static constexpr bool kVectorWins = kDstBytes != 3 || kHaveByteShuffle;
   static constexpr bool kCross = smoothing == Smoothing::kCross;
+  static constexpr bool kVectorWins = kHaveByteShuffle || (kCross && kDstBytes != 3);
   Around around;
 
   // Lanes(d16) values.
@@ -205,6 +205,7 @@ HWY_INLINE uint8_t EdgeThreshold(size_t to_go) { return uint8_t(to_go >> 8); }
 
 struct EdgeKernel {
   static constexpr int kLefts = 2;
+  static constexpr size_t kLeastLanes = 16;
   const uint8_t* image;
   ptrdiff_t pitch;
   size_t count;

@@ -5,6 +5,7 @@
 //
 // A kernel is a struct with
 //   kLefts                    how many bytes to the left count: 1 or 2
+//   kLeastLanes               shorter vectors lose to plain code
 //   At(d, x)                  what is known about Lanes(d) bytes from x on: a struct with Guess() of
 //                             their values and Values(left, left2), the values given their neighbours
 //   ValueAt(x, left)          one byte, in plain C++
@@ -26,7 +27,7 @@ HWY_INLINE void SettleVectors(D d, const Kernel& kernel, uint8_t* out, size_t x,
                               size_t distance) {
   if constexpr (UsesVectors<Kernel>()) {
     constexpr size_t kLanes = hn::MaxLanes(D());
-    if (kLanes <= distance) {
+    if (kLanes >= Kernel::kLeastLanes && kLanes <= distance) {
       const auto first_lane = hn::FirstN(d, 1);
       for (; x + kLanes <= count; x += kLanes) {
         const auto before = hn::IfThenElseZero(first_lane, hn::Set(d, out[x - 1]));

@@ -125,6 +125,7 @@ void ReadMaskValues(int format, uint8_t* values, const uint8_t* src, size_t coun
 // A run of shadow values: `above` and `above_left` are known, each value needs the one to its left.
 struct GrowKernel {
   static constexpr int kLefts = 1;
+  static constexpr size_t kLeastLanes = 32;
   ShadowRule rule;
   const uint8_t *above, *above_left, *mask;
 

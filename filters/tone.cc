@@ -43,7 +43,9 @@ void FillGradient(const TSurfDesc& image, Bgr from, Bgr to) {
     const Bgr colour = {blue.Next(), green.Next(), red.Next()};
     Format::Store(rows.dst + x * Format::kBytes, Format::Pack(colour));
   }
-  RepeatFirstRow({rows.dst, rows.dst_pitch, rows.width * Format::kBytes, rows.height});
+  for (size_t y = 1; y < rows.height; ++y) {
+    std::memmove(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.dst, rows.width * Format::kBytes);
+  }
 }
 
 }  // namespace

@@ -91,22 +91,6 @@ struct ScaleFieldKernel {
   }
 };
 
-struct ByteCopy {
-  using Lane = uint8_t;
-  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
-
-  template <class D>
-  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
-    hn::StoreU(hn::LoadU(d, src), d, dst);
-  }
-  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
-};
-
-void RepeatFirstRow(const Rows& bytes) {
-  const Rows others = {bytes.dst + bytes.dst_pitch, bytes.dst_pitch, bytes.width, bytes.height - 1};
-  RepeatableRows(ByteCopy(), {others, bytes.dst, 0});
-}
-
 void ScaleBytes(const Rows& bytes, uint32_t factor) { OnceRows(ScaleByteKernel{factor}, bytes); }
 
 void ScaleWords(const Rows& pixels, uint32_t colour, uint32_t fourth) {
@@ -131,12 +115,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pincel {
 
-HWY_EXPORT(RepeatFirstRow);
 HWY_EXPORT(ScaleBytes);
 HWY_EXPORT(ScaleWords);
 HWY_EXPORT(ScaleFields);
 
-void RepeatFirstRow(const Rows& bytes) { HWY_DYNAMIC_DISPATCH(RepeatFirstRow)(bytes); }
 void ScaleBytes(const Rows& bytes, uint32_t factor) {
   HWY_DYNAMIC_DISPATCH(ScaleBytes)(bytes, factor);
 }

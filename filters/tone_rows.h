@@ -15,9 +15,6 @@ void ScaleWords(const Rows& pixels, uint32_t colour, uint32_t fourth);
 // The colour fields of 16-bit pixels; alpha bits are kept. `format` is that of the pixels.
 void ScaleFields(int format, const Rows& pixels, uint32_t factor);
 
-// Copies the first row to all others. `bytes` is a row of bytes.
-void RepeatFirstRow(const Rows& bytes);
-
 // Operations that take a surface's memory as one run know that it has height x pitch bytes.
 inline size_t BufferBytes(const TSurfDesc& surface) {
   return size_t(std::max(surface.height, 0)) * size_t(std::max(surface.pitch, 0));
