@@ -8,6 +8,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "draw/stretch_rows.cc"
+#include "hwy/cache_control.h"
 #include "hwy/foreach_target.h"  // must come before highway.h
 #include "hwy/highway.h"
 #include "surface/pixels-inl.h"
@@ -138,7 +139,10 @@ HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_
   const WordTag<ByteTag> d32;
   const auto colour = hn::BitCast(d, hn::Set(d32, 0x00FFFFFF));
   for (const CopiedRow* row = rows; row != rows + height; ++row) {
+    const CopiedRow* const next = row + 1 != rows + height ? row + 1 : row;
     for (size_t v = 0; v < windows.count; ++v) {
+      hwy::Prefetch(next->dst + windows.first[v]);
+      hwy::Prefetch(next->src + windows.at[v]);
       auto bytes = Pick<vectors_each>(d, row->src + windows.at[v],
                                       hn::Load(d, windows.place + v * kVectorBytes));
       uint8_t* const dst = row->dst + windows.first[v];
@@ -284,8 +288,11 @@ HWY_INLINE void MixWindows(const Windows<kPairBytes>& windows, const MixedColumn
   const WordTag<ByteTag> d32;
   const hn::Rebind<uint16_t, decltype(d32)> d_right;
   for (const MixedRow* row = rows; row != rows + height; ++row) {
+    const MixedRow* const next = row + 1 != rows + height ? row + 1 : row;
     for (size_t v = 0; v < windows.count; ++v) {
       const size_t x = windows.first[v];
+      hwy::Prefetch(next->dst + x * Format::kBytes);
+      hwy::Prefetch(next->bottom + windows.at[v]);
       const auto right = hn::PromoteTo(d32, hn::LoadU(d_right, columns.right + x));
       const auto left = hn::Xor(right, hn::Set(d32, kSmoothUnit));
       const MixedWeights<mixing, WordTag<ByteTag>> weights(
