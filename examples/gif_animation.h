@@ -41,6 +41,18 @@ class GifAnimation {
   const HostSurface& Screen() const { return screen_; }
   const TGifFrame& Frame() const { return frame_; }
 
+  // The screen on white paper.
+  HostSurface Opaque() const {
+    HostSurface shown = screen_;
+    for (int y = 0; y < shown.height; ++y) {
+      for (int x = 0; x < shown.width; ++x) {
+        const bool empty = shown.Stored(x, y) >> 24 == 0;
+        if (empty) IdxFillRect(shown, {x, y, x + 1, y + 1}, 0xFFFFFFFF);
+      }
+    }
+    return shown;
+  }
+
  private:
   // What becomes of the frame on the screen before the next one is drawn.
   void Dispose() {

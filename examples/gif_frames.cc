@@ -17,15 +17,8 @@ int main(int argc, char** argv) {
   try {
     GifAnimation animation(ReadFile(argv[1]));
     for (int number = 1; animation.Next(); ++number) {
-      HostSurface shown = animation.Screen();
-      for (int y = 0; y < shown.height; ++y) {
-        for (int x = 0; x < shown.width; ++x) {
-          const bool empty = shown.Display(x, y) >> 24 == 0;
-          if (empty) IdxFillRect(shown, {x, y, x + 1, y + 1}, 0xFFFFFFFF);
-        }
-      }
       const std::string name = "frame-" + std::to_string(number) + ".bmp";
-      const File file = BitmapFileOf(shown);
+      const File file = BitmapFileOf(animation.Opaque());
       WriteFile(std::string(argv[2]) + "/" + name, file.data(), file.size());
       std::printf("%s %d.%02d s\n", name.c_str(), animation.Frame().delay / 100,
                   animation.Frame().delay % 100);

@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -29,24 +31,40 @@ inline constexpr FormatFacts kFormats[] = {
 
 inline const FormatFacts& FactsOf(Format format) { return kFormats[size_t(format)]; }
 
+// The format that a command line names: 8, 565, 555, 1555, 4444, 24, 32.
+inline Format FormatNamed(const std::string& name) {
+  for (const FormatFacts& facts : kFormats) {
+    if (name == facts.name) return facts.format;
+  }
+  throw std::runtime_error("there is no format " + name);
+}
+
 inline constexpr uint32_t kNoKey = 0xFFFFFFFF;
+
+// The descriptor of pixels that lie somewhere, in a window's bitmap for instance.
+inline TSurfDesc Described(Format format, int columns, int rows, int row_bytes, void* pixels) {
+  const FormatFacts& facts = FactsOf(format);
+  TSurfDesc surface{};
+  surface.width = columns;
+  surface.height = rows;
+  surface.bpp = facts.bpp;
+  surface.rMask = facts.red;
+  surface.gMask = facts.green;
+  surface.bMask = facts.blue;
+  surface.aMask = facts.alpha;
+  surface.colorKey = kNoKey;
+  surface.pitch = row_bytes;
+  surface.pixels = static_cast<uint8_t*>(pixels);
+  return surface;
+}
 
 // A surface that owns its pixels; pass it wherever the library takes a TSurfDesc.
 class HostSurface : public TSurfDesc {
  public:
   // Rows are padded to four bytes unless `row_bytes` says otherwise. Pixels start as zero.
-  HostSurface(Format format, int columns, int rows, int row_bytes = 0) : TSurfDesc{} {
-    const FormatFacts& facts = FactsOf(format);
-    format_ = format;
-    width = columns;
-    height = rows;
-    bpp = facts.bpp;
-    rMask = facts.red;
-    gMask = facts.green;
-    bMask = facts.blue;
-    aMask = facts.alpha;
-    colorKey = kNoKey;
-    pitch = row_bytes != 0 ? row_bytes : (columns * int(bpp / 8) + 3) / 4 * 4;
+  HostSurface(Format format, int columns, int rows, int row_bytes = 0)
+      : TSurfDesc(Described(format, columns, rows, row_bytes, nullptr)), format_(format) {
+    if (pitch == 0) pitch = (columns * int(bpp / 8) + 3) / 4 * 4;
     // One word more than the pixels: some conversions read the byte behind the last one.
     memory_.resize(size_t(pitch) * size_t(rows) + 4);
     palette_.resize(bpp == 8 ? 256 : 0);
