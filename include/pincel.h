@@ -526,8 +526,9 @@ PINCEL_API bool DrawBlock(TSurfDesc& dst, TSurfDesc& src, unsigned short sx, uns
  *
  * *Smooth* (24 and 32 bits, others sample the nearest pixel) mixes four neighbours in 16.16 fixed
  * point. **The weights sum to a little less than one**: a white area comes out as 254. The right and
- * lower neighbours of the rectangle's last column and row lie outside it: they are the pixels that
- * follow in memory, and where the surface's memory ends the last pixel or row stands for them.
+ * lower neighbours of the rectangle's last column and row lie outside it. Right of a surface's last
+ * column they are what follows in memory, padding or the next row; the surface's last row is its own
+ * lower neighbour, and the pixel that ends its memory its own right one.
  * @param dst destination, any format.
  * @param dRect area to fill; clipped.
  * @param src source of the destination's depth; its own depth is not looked at.
@@ -558,12 +559,13 @@ PINCEL_API bool DrawStretch(TSurfDesc& dst, CRectangulo const& dRect, TSurfDesc&
  * source column and row are repeated. *Reducing* (larger in both) averages the block of source
  * pixels that falls on each pixel. **The sides of both rectangles count modulo 256 while reducing,
  * and a channel sum of 32768 or more wraps**: it is meant for rectangles of at most 255 pixels a
- * side and blocks of up to 128 bright pixels. Sides that are a multiple of 256 draw nothing. The
- * fourth byte of a 32-bit destination is kept.
+ * side and blocks of up to 128 bright pixels. Sides that are a multiple of 256 draw nothing, and
+ * pixels on which no source pixel falls stay as they are. The fourth byte of a 32-bit destination is
+ * kept.
  * @param dst destination.
  * @param dRect area to fill; clipped.
  * @param src source of the destination's depth.
- * @param sRect area to take, inside the source: pixels outside it are not read, nor drawn.
+ * @param sRect area to take; clipped.
  * @param bitsPerPixel 24 or 32: the depth to work in; it should be that of the surfaces.
  * @param enable false draws nothing.
  * @param extra no effect.
@@ -605,7 +607,7 @@ PINCEL_API bool FlipX(TSurfDesc& surf);
  * destination, padding included. Give a source whose `pixels` is the last pixel of a block that is
  * as large as the destination. At 16 bits each store is a word of two pixels with its bytes
  * reversed, of which the next one covers the second half: pixels arrive with their two bytes
- * swapped. Intended.
+ * swapped, and the last one is written as well. Intended.
  * @param dst destination, any format. Its whole size is filled.
  * @param src source of the destination's depth.
  * @param mode bits 0 to 2 as above; others are not significant.
@@ -616,6 +618,7 @@ PINCEL_API bool CreateRotated(TSurfDesc& dst, TSurfDesc& src, int mode);
  *
  * *24 and 32 bits*: k = trunc(amount x 510 - 255). From 0 on, k is added to every byte, the fourth
  * one included, up to 255. **A negative shift is one step weaker: |k| - 1 is subtracted**, down to 0.
+ * **Only the low byte of k counts**, and its sign: with 256 added nothing changes.
  *
  * *16 bits*: k = trunc(amount x 62 - 31) is added to each field, as a number of five bits from 0 to
  * 31. 565 uses green's top five bits, so that **its lowest bit is cleared by every call**; 4444
@@ -624,8 +627,8 @@ PINCEL_API bool CreateRotated(TSurfDesc& dst, TSurfDesc& src, int mode);
  * *8 bits*: each pixel becomes `table[pixel]`.
  * @param dst destination, any format.
  * @param rect rectangle; clipped.
- * @param amount 0 darkest, 0.5 no change, 1 brightest; larger and smaller values saturate, not a
- *        number counts as 0. Not read at 8 bits.
+ * @param amount 0 darkest, 0.5 no change, 1 brightest; at 16 bits larger and smaller values saturate;
+ *        not a number counts as 0. Computed in double precision. Not read at 8 bits.
  * @param table 256 bytes; read at 8 bits only, where null leaves the surface as it is.
  * @return true; false for an unsupported format. */
 PINCEL_API bool TranslateRect(TSurfDesc& dst, CRectangulo const& rect, float amount,
