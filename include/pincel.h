@@ -44,11 +44,7 @@
 #if defined(PINCEL_STATIC)
 #define PINCEL_API
 #elif defined(_WIN32)
-#if defined(PINCEL_BUILD)
-#define PINCEL_API __declspec(dllexport)
-#else
 #define PINCEL_API __declspec(dllimport)
-#endif
 #elif defined(__GNUC__)
 #define PINCEL_API __attribute__((visibility("default")))
 #else
@@ -57,6 +53,17 @@
 
 /** @defgroup types Types
  * Plain records that the host fills in and owns. @{ */
+
+#ifndef __cplusplus
+typedef struct TRGBA TRGBA;
+typedef struct TSurfDesc TSurfDesc;
+typedef struct CRectangulo CRectangulo;
+typedef struct CPunto CPunto;
+typedef struct CSize CSize;
+typedef struct RAW RAW;
+typedef struct CQXGIF CQXGIF;
+typedef struct TGifFrame TGifFrame;
+#endif
 
 /** One palette entry; the same byte order as a 32-bit pixel. */
 struct TRGBA {
@@ -124,6 +131,7 @@ struct CQXGIF {
   uint32_t bitCount; /**< unused high bits of `bitByte` */
   uint32_t bitByte;  /**< last byte fetched */
 
+#ifdef __cplusplus
   /** Reads the screen's size and the global colour table, and moves to the first block.
    * @param data the file's first byte.
    * @param frame receives the size and, if its `readPalette` is set, as many palette entries as the
@@ -145,12 +153,15 @@ struct CQXGIF {
   /** Reads one code of the image's data, `codeSize` bits wide (at most 12).
    * @return the code; `endCode` at the end of the data. */
   PINCEL_API uint32_t ReadCode();
+#endif
 };
 
+#ifdef __cplusplus
 static_assert(sizeof(TRGBA) == 4 && sizeof(CRectangulo) == 16, "plain records without padding");
 static_assert(sizeof(void*) != 4 || sizeof(TSurfDesc) == 44, "eleven words in 32-bit builds");
 static_assert(sizeof(void*) != 4 || (sizeof(RAW) == 1044 && sizeof(CQXGIF) == 28),
               "261 and 7 words in 32-bit builds");
+#endif
 
 /** @} */
 
@@ -164,6 +175,8 @@ static_assert(sizeof(void*) != 4 || (sizeof(RAW) == 1044 && sizeof(CQXGIF) == 28
  * calls; later calls see the change. The conversions do not use it: there a missing source palette
  * means a grey ramp. */
 extern PINCEL_API TRGBA lu_gPaleta[256];
+
+#ifdef __cplusplus
 
 /** Width in pixels.
  * @param surface any surface; only the field is read.
@@ -1373,7 +1386,7 @@ PINCEL_API bool DoGradient(TSurfDesc& image, unsigned long const& from, unsigned
  *
  * Pixels equal to the colour key are transparent (low 24 bits compared at 24 and 32 bits, 16 at 16, the
  * index at 8). **A source without a key compares with 0**: its black is transparent. Intended.
- * @param mask 8-bit surface to fill; its size counts.
+ * @param mask 8-bit surface to fill; its size counts. Pixels that the source does not have are left.
  * @param src source of any format **but 1555**, at least as large.
  * @param level 256 writes 255; else its low byte is written.
  * @return true; false for an unsupported source and **for 1555**. */
@@ -1382,13 +1395,14 @@ PINCEL_API bool CreateMask(TSurfDesc& mask, TSurfDesc& src, unsigned short level
 /** Grows a shadow out of a mask, downwards and to the right.
  *
  * A value below 240 becomes the weighted mean of the shadow above, above left (twice) and to the left,
- * less `decay` and at most `limit`, if that is more than the mask's own value. Row 0 and column 0 are
- * left as they are, and the buffers are walked as one run of bytes: column 0 of later rows reads what
- * lies before it in memory.
+ * less `decay` and at most `limit`, if that is more than the mask's own value. Row 0 and the first pixel
+ * of row 1 are left as they are. **The buffers are walked as one run**: left of column 0 lies the end of
+ * the row above, and between two surfaces of 8 bits padding is walked, too. Intended.
  *
  * The mask is an 8-bit surface, the first byte of 32-bit pixels, or the highest channel, expanded to 8
- * bits, of 24- and 16-bit ones. An 8-bit mask needs an 8-bit shadow. **A 32-bit mask takes any other
- * shadow for one of 32 bits**, and there rows are walked without their pitch: give both 4 x width.
+ * bits, of 24- and 16-bit ones. An 8-bit mask needs an 8-bit shadow. **Any other mask takes a shadow that
+ * is not of 8 bits for one of 32**, and there rows are walked without their pitch: give both surfaces
+ * rows without padding. Nothing is read or written outside the two buffers.
  * @param shadow surface to write, 8 or 32 bits, of the source's size.
  * @param src mask, any format **but 1555**.
  * @param decay loss per pixel, 0 to 255. @param limit largest value of the shadow, 0 to 255.
@@ -1400,6 +1414,8 @@ PINCEL_API bool CreateShadow(TSurfDesc& shadow, TSurfDesc& src, unsigned char de
                              unsigned char limit, unsigned short factor);
 
 /** @} */
+
+#endif /* __cplusplus */
 
 /** @defgroup additions Additions
  * Helpers with C linkage and the prefix `pincel_`, beside the interface proper.
@@ -1414,7 +1430,12 @@ PINCEL_API bool CreateShadow(TSurfDesc& shadow, TSurfDesc& src, unsigned char de
  * blue 1. @{ */
 
 /** What became of a file. */
+#ifdef __cplusplus
 enum pincel_status : int32_t {
+#else
+typedef int32_t pincel_status;
+enum {
+#endif
   PINCEL_OK = 0,              /**< complete */
   PINCEL_TRUNCATED = 1,       /**< the data ends early; the pixels before that are in the surface */
   PINCEL_NOT_THIS_FORMAT = 2, /**< another kind of file; nothing was written */
@@ -1436,6 +1457,7 @@ struct TGifFrame {
   int32_t loops;       /**< repetitions as far as read; 0: without end; -1: not said */
 };
 
+#ifdef __cplusplus
 extern "C" {
 
 /** Builds the table that the 8-bit mixing functions look colours up in.
@@ -1533,7 +1555,514 @@ PINCEL_API pincel_status pincel_load_jpg(TSurfDesc& surface, const unsigned char
                                          size_t length);
 
 } /* extern "C" */
+#endif
 
 /** @} */
+
+/* Made by scripts/exports. */
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** @defgroup plain Plain C
+ * Every function once more for C and for whatever calls C: one name for each, also where C++ has
+ * several functions of one name; records by pointer, colours as `uint32_t`, 1 and 0 for true and
+ * false. What a function does is said at the C++ function that its own text names.
+ *
+ * None throws: #pincel_load_jpg_trusted returns 0 where LoadJPG throws. Pointers must not be null,
+ * but where the C++ function's text allows it.
+ *
+ * Loaders ending in `_trusted` are those that exist a second time among the additions, where they
+ * report what became of the file: prefer #pincel_load_bmp, #pincel_load_gif and #pincel_load_jpg.
+ * @{ */
+
+/** CQXGIF::ReadHeader(unsigned char*, RAW*). */
+PINCEL_API uint32_t pincel_gif_read_header(CQXGIF* gif, const unsigned char* data, RAW* frame);
+
+/** CQXGIF::NextImage(). */
+PINCEL_API uint32_t pincel_gif_next_image(CQXGIF* gif);
+
+/** CQXGIF::DecodeImage(RAW*). */
+PINCEL_API uint32_t pincel_gif_decode_image(CQXGIF* gif, RAW* frame);
+
+/** CQXGIF::ReadCode(). */
+PINCEL_API uint32_t pincel_gif_read_code(CQXGIF* gif);
+
+/** Width(TSurfDesc&). */
+PINCEL_API int pincel_width(TSurfDesc* surface);
+
+/** Height(TSurfDesc&). */
+PINCEL_API int pincel_height(TSurfDesc* surface);
+
+/** ScanWidth(TSurfDesc&). */
+PINCEL_API int pincel_scan_width(TSurfDesc* surface);
+
+/** Size(TSurfDesc&). */
+PINCEL_API void pincel_size(TSurfDesc* surface, CSize* result);
+
+/** Transp(TSurfDesc&). */
+PINCEL_API int pincel_transp(TSurfDesc* surface);
+
+/** GetPixel(TSurfDesc&, CPunto). */
+PINCEL_API uint32_t pincel_get_pixel_at(TSurfDesc* surface, const CPunto* point);
+
+/** GetPixel(TSurfDesc&, int, int). */
+PINCEL_API uint32_t pincel_get_pixel(TSurfDesc* surface, int x, int y);
+
+/** SetPixel(TSurfDesc&, CPunto, unsigned long). */
+PINCEL_API void pincel_set_pixel_at(TSurfDesc* surface, const CPunto* point, uint32_t colour);
+
+/** SetPixel(TSurfDesc&, int, int, unsigned long). */
+PINCEL_API void pincel_set_pixel(TSurfDesc* surface, int x, int y, uint32_t colour);
+
+/** InitializeDLL(). */
+PINCEL_API void pincel_initialize_dll(void);
+
+/** CreateModelPal(TRGBA (&)[256]). */
+PINCEL_API void pincel_create_model_pal(TRGBA palette[256]);
+
+/** CreateGreyPal(TRGBA (&)[256]). */
+PINCEL_API void pincel_create_grey_pal(TRGBA palette[256]);
+
+/** CreateTruncPal(TRGBA (&)[256]). */
+PINCEL_API void pincel_create_trunc_pal(TRGBA palette[256]);
+
+/** Convert(TSurfDesc&, TSurfDesc&, unsigned long). */
+PINCEL_API int pincel_convert(TSurfDesc* dst, TSurfDesc* src, uint32_t mode);
+
+/** CopyImage(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_copy_image(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_565_16_555(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_565_16_555(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_4444_16_555(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_4444_16_555(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_555_16_4444(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_555_16_4444(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_565_16_4444(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_565_16_4444(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_4444_16_565(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_4444_16_565(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_4444_16_5551(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_4444_16_5551(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_555_16_5551(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_555_16_5551(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_5551_16_555(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_5551_16_555(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_565_16_5551(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_565_16_5551(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert16_555_16_565(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert16_555_16_565(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert24_32_(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert24_32(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert32_24_(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert32_24(TSurfDesc* dst, TSurfDesc* src);
+
+/** Convert8_8(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_convert8_8(TSurfDesc* dst, TSurfDesc* src);
+
+/** DrawBitmap(TSurfDesc&, CRectangulo, TSurfDesc&, CPunto). */
+PINCEL_API int pincel_draw_bitmap(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                  const CPunto* at);
+
+/** DrawBitmap(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_draw_bitmap_whole(TSurfDesc* dst, TSurfDesc* src);
+
+/** IdxFillRect(TSurfDesc&, CRectangulo, unsigned long). */
+PINCEL_API int pincel_idx_fill_rect(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour);
+
+/** IdxLineHI(TSurfDesc&, CPunto const&, int, unsigned long). */
+PINCEL_API int pincel_idx_line_hi(TSurfDesc* dst, const CPunto* p, int len, uint32_t colour);
+
+/** IdxLineVI(TSurfDesc&, CPunto const&, int, unsigned long). */
+PINCEL_API int pincel_idx_line_vi(TSurfDesc* dst, const CPunto* p, int len, uint32_t colour);
+
+/** FrameBR(TSurfDesc&, CRectangulo, unsigned long). */
+PINCEL_API int pincel_frame_br(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour);
+
+/** DrawRectShadow(TSurfDesc&, CRectangulo, unsigned char, unsigned char). */
+PINCEL_API int pincel_draw_rect_shadow(TSurfDesc* dst, const CRectangulo* rect, unsigned char step,
+                                       unsigned char depth);
+
+/** Line(TSurfDesc&, CPunto const&, CPunto const&, unsigned long, unsigned short, bool, int). */
+PINCEL_API int pincel_line(TSurfDesc* dst, const CPunto* p1, const CPunto* p2, uint32_t colour,
+                           unsigned short alpha, int soft, int thickness);
+
+/** Rellena(TSurfDesc&, TSurfDesc&, int, int, unsigned long, unsigned long, unsigned long). */
+PINCEL_API int pincel_rellena(TSurfDesc* dst, TSurfDesc* work, int x, int y, uint32_t tolerance,
+                              uint32_t reference, uint32_t colour);
+
+/** DrawBlock(TSurfDesc&, TSurfDesc&, unsigned short, unsigned short, unsigned short,
+ * unsigned short, unsigned short, unsigned short). */
+PINCEL_API int pincel_draw_block(TSurfDesc* dst, TSurfDesc* src, unsigned short sx,
+                                 unsigned short sy, unsigned short dx, unsigned short dy,
+                                 unsigned short w, unsigned short h);
+
+/** BltStrech(TSurfDesc&, CRectangulo, TSurfDesc&, CRectangulo, bool). */
+PINCEL_API int pincel_blt_strech(TSurfDesc* dst, const CRectangulo* dRect, TSurfDesc* src,
+                                 const CRectangulo* sRect, int smooth);
+
+/** DrawStretch(TSurfDesc&, CRectangulo const&, TSurfDesc&, CRectangulo const&). */
+PINCEL_API int pincel_draw_stretch(TSurfDesc* dst, const CRectangulo* dRect, TSurfDesc* src,
+                                   const CRectangulo* sRect);
+
+/** DrawStretch(TSurfDesc&, CRectangulo const&, TSurfDesc&, CRectangulo const&, unsigned char*). */
+PINCEL_API int pincel_draw_stretch_table(TSurfDesc* dst, const CRectangulo* dRect, TSurfDesc* src,
+                                         const CRectangulo* sRect, const unsigned char* table);
+
+/** StretchBitmap(TSurfDesc&, CRectangulo, TSurfDesc&, CRectangulo, int, bool, bool). */
+PINCEL_API int pincel_stretch_bitmap(TSurfDesc* dst, const CRectangulo* dRect, TSurfDesc* src,
+                                     const CRectangulo* sRect, int bitsPerPixel, int enable,
+                                     int extra);
+
+/** DrawDouble(TSurfDesc&, TSurfDesc&, CPunto). */
+PINCEL_API int pincel_draw_double(TSurfDesc* dst, TSurfDesc* src, const CPunto* at);
+
+/** FlipX(TSurfDesc&). */
+PINCEL_API int pincel_flip_x(TSurfDesc* surf);
+
+/** CreateRotated(TSurfDesc&, TSurfDesc&, int). */
+PINCEL_API int pincel_create_rotated(TSurfDesc* dst, TSurfDesc* src, int mode);
+
+/** TranslateRect(TSurfDesc&, CRectangulo const&, float, unsigned char const*). */
+PINCEL_API int pincel_translate_rect(TSurfDesc* dst, const CRectangulo* rect, float amount,
+                                     const unsigned char* table);
+
+/** LoadInfoBMP(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_info_bmp_trusted(TSurfDesc* surface, const unsigned char* bitmap);
+
+/** LoadBMP(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_bmp_trusted(TSurfDesc* surface, const unsigned char* bitmap);
+
+/** LoadInfoBMPAlpha(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_info_bmp_alpha(TSurfDesc* surface, const unsigned char* bitmap);
+
+/** LoadBMPAlpha(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_bmp_alpha(TSurfDesc* surface, const unsigned char* bitmap);
+
+/** LoadInfoGIF(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_info_gif_trusted(TSurfDesc* surface, const unsigned char* data,
+                                            CQXGIF* gif, RAW* frame);
+
+/** LoadGIFNext(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_next(TSurfDesc* surface, const unsigned char* data, CQXGIF* gif,
+                                    RAW* frame);
+
+/** LoadGIF(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_trusted(TSurfDesc* surface, const unsigned char* data, CQXGIF* gif,
+                                       RAW* frame);
+
+/** LoadGIFEnd(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_end(TSurfDesc* surface, const unsigned char* data, CQXGIF* gif,
+                                   RAW* frame);
+
+/** LoadInfoGIFAlpha(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_info_gif_alpha(TSurfDesc* surface, const unsigned char* data,
+                                          CQXGIF* gif, RAW* frame);
+
+/** LoadGIFAlphaNext(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_alpha_next(TSurfDesc* surface, const unsigned char* data,
+                                          CQXGIF* gif, RAW* frame);
+
+/** LoadGIFAlpha(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_alpha(TSurfDesc* surface, const unsigned char* data, CQXGIF* gif,
+                                     RAW* frame);
+
+/** LoadGIFAlphaEnd(TSurfDesc&, unsigned char*, CQXGIF&, RAW&). */
+PINCEL_API int pincel_load_gif_alpha_end(TSurfDesc* surface, const unsigned char* data, CQXGIF* gif,
+                                         RAW* frame);
+
+/** LoadInfoJPG(TSurfDesc&, unsigned char*, long). */
+PINCEL_API int pincel_load_info_jpg_trusted(TSurfDesc* surface, const unsigned char* data,
+                                            long length);
+
+/** LoadJPG(TSurfDesc&, unsigned char*, long). */
+PINCEL_API int pincel_load_jpg_trusted(TSurfDesc* surface, const unsigned char* data, long length);
+
+/** LoadInfoPGF(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_info_pgf(TSurfDesc* surface, const unsigned char* data);
+
+/** LoadPGF(TSurfDesc&, unsigned char*). */
+PINCEL_API int pincel_load_pgf(TSurfDesc* surface, const unsigned char* data);
+
+/** DrawMix(TSurfDesc&, CRectangulo const&, unsigned short, TSurfDesc&, CPunto const&,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_level(TSurfDesc* dst, const CRectangulo* rect, unsigned short level,
+                                     TSurfDesc* src, const CPunto* at,
+                                     unsigned char (*table)[65536]);
+
+/** DrawMix_8Bits(TSurfDesc&, CRectangulo const&, unsigned short, TSurfDesc&, CPunto const&,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_level_8bits(TSurfDesc* dst, const CRectangulo* rect,
+                                           unsigned short level, TSurfDesc* src, const CPunto* at,
+                                           unsigned char (*table)[65536]);
+
+/** DrawMix(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&, CPunto const&,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_alpha(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* alpha,
+                                     const CPunto* alphaAt, TSurfDesc* src, const CPunto* srcAt,
+                                     unsigned char (*table)[65536]);
+
+/** DrawMix_8Bits(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&, unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_alpha_8bits(TSurfDesc* dst, const CRectangulo* rect,
+                                           TSurfDesc* alpha, const CPunto* alphaAt, TSurfDesc* src,
+                                           const CPunto* srcAt, unsigned char (*table)[65536]);
+
+/** DrawMix(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&, CPunto const&,
+ * unsigned short). */
+PINCEL_API int pincel_draw_mix_alpha_level(TSurfDesc* dst, const CRectangulo* rect,
+                                           TSurfDesc* alpha, const CPunto* alphaAt, TSurfDesc* src,
+                                           const CPunto* srcAt, unsigned short level);
+
+/** DrawMix(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&, CPunto const&,
+ * TSurfDesc&, CPunto const&, unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_alpha_back(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* alpha,
+                                          const CPunto* alphaAt, TSurfDesc* src,
+                                          const CPunto* srcAt, TSurfDesc* back,
+                                          const CPunto* backAt, unsigned char (*table)[65536]);
+
+/** DrawMix(TSurfDesc&, CRectangulo const&, unsigned short, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&, unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mix_level_back(TSurfDesc* dst, const CRectangulo* rect,
+                                          unsigned short level, TSurfDesc* src, const CPunto* srcAt,
+                                          TSurfDesc* back, const CPunto* backAt,
+                                          unsigned char (*table)[65536]);
+
+/** DrawMask(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, unsigned long,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mask(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* mask,
+                                const CPunto* maskAt, uint32_t colour,
+                                unsigned char (*table)[65536]);
+
+/** DrawMask_8Bits(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, unsigned long,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_mask_8bits(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* mask,
+                                      const CPunto* maskAt, uint32_t colour,
+                                      unsigned char (*table)[65536]);
+
+/** MaskFillRect(TSurfDesc&, CRectangulo const&, unsigned long, unsigned short). */
+PINCEL_API int pincel_mask_fill_rect(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour,
+                                     unsigned short level);
+
+/** MaskFillRect_8Bits(TSurfDesc&, CRectangulo const&, unsigned long, unsigned short,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_mask_fill_rect_8bits(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour,
+                                           unsigned short level, unsigned char (*table)[65536]);
+
+/** DrawBiMask(TSurfDesc&, unsigned short, CRectangulo, TSurfDesc&, CPunto,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_bi_mask(TSurfDesc* dst, unsigned short level, const CRectangulo* rect,
+                                   TSurfDesc* mask, const CPunto* maskAt,
+                                   unsigned char (*table)[65536]);
+
+/** DrawBiMask_8Bits(TSurfDesc&, unsigned short, CRectangulo, TSurfDesc&, CPunto,
+ * unsigned char (*const)[65536]). */
+PINCEL_API int pincel_draw_bi_mask_8bits(TSurfDesc* dst, unsigned short level,
+                                         const CRectangulo* rect, TSurfDesc* mask,
+                                         const CPunto* maskAt, unsigned char (*table)[65536]);
+
+/** OpenFader(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, int, int, int). */
+PINCEL_API int pincel_open_fader(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                 const CPunto* at, int start, int step, int hold);
+
+/** DoSuma(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_suma(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                              const CPunto* at);
+
+/** DoSuma(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_suma_colour_mask(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour,
+                                          TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoSuma(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_suma_source_mask(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                          const CPunto* srcAt, TSurfDesc* mask,
+                                          const CPunto* maskAt);
+
+/** DoResta(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_resta(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                               const CPunto* at);
+
+/** DoResta(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_resta_colour_mask(TSurfDesc* dst, const CRectangulo* rect, uint32_t colour,
+                                           TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoResta(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_resta_source_mask(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                           const CPunto* srcAt, TSurfDesc* mask,
+                                           const CPunto* maskAt);
+
+/** DoMultiplica(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_multiplica(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                    const CPunto* at);
+
+/** DoMultiplica(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_multiplica_colour_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                                uint32_t colour, TSurfDesc* mask,
+                                                const CPunto* maskAt);
+
+/** DoMultiplica(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_multiplica_source_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                                TSurfDesc* src, const CPunto* srcAt,
+                                                TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoScreen(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_screen(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                const CPunto* at);
+
+/** DoScreen(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_screen_colour_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                            uint32_t colour, TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoScreen(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_screen_source_mask(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                            const CPunto* srcAt, TSurfDesc* mask,
+                                            const CPunto* maskAt);
+
+/** DoLighten(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_lighten(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                 const CPunto* at);
+
+/** DoLighten(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_lighten_colour_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                             uint32_t colour, TSurfDesc* mask,
+                                             const CPunto* maskAt);
+
+/** DoLighten(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_lighten_source_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                             TSurfDesc* src, const CPunto* srcAt, TSurfDesc* mask,
+                                             const CPunto* maskAt);
+
+/** DoDarken(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_darken(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                const CPunto* at);
+
+/** DoDarken(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_darken_colour_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                            uint32_t colour, TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoDarken(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_darken_source_mask(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                            const CPunto* srcAt, TSurfDesc* mask,
+                                            const CPunto* maskAt);
+
+/** DoSuperponer(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_superponer(TSurfDesc* dst, const CRectangulo* rect, TSurfDesc* src,
+                                    const CPunto* at);
+
+/** DoSuperponer(TSurfDesc&, CRectangulo const&, unsigned long, TSurfDesc&, CPunto const&). */
+PINCEL_API int pincel_do_superponer_colour_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                                uint32_t colour, TSurfDesc* mask,
+                                                const CPunto* maskAt);
+
+/** DoSuperponer(TSurfDesc&, CRectangulo const&, TSurfDesc&, CPunto const&, TSurfDesc&,
+ * CPunto const&). */
+PINCEL_API int pincel_do_superponer_source_mask(TSurfDesc* dst, const CRectangulo* rect,
+                                                TSurfDesc* src, const CPunto* srcAt,
+                                                TSurfDesc* mask, const CPunto* maskAt);
+
+/** DoConvolucion(TSurfDesc&, TSurfDesc&, int, int* const, long* const, int, int). */
+PINCEL_API int pincel_do_convolucion(TSurfDesc* image, TSurfDesc* scratch, int count,
+                                     const int* weights, const long* offsets, int divisor,
+                                     int bias);
+
+/** DoSuavizado(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_do_suavizado(TSurfDesc* image, TSurfDesc* scratch);
+
+/** DoEmboss(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_do_emboss(TSurfDesc* image, TSurfDesc* scratch);
+
+/** DoRealce(TSurfDesc&, TSurfDesc&). */
+PINCEL_API int pincel_do_realce(TSurfDesc* image, TSurfDesc* scratch);
+
+/** FiltroMask(TSurfDesc&, TSurfDesc&, int). */
+PINCEL_API int pincel_filtro_mask(TSurfDesc* image, TSurfDesc* scratch, int number);
+
+/** FiltroMotionBlur(TSurfDesc&, TSurfDesc&, CRectangulo const&, CPunto const&, unsigned long, int,
+ * float). */
+PINCEL_API int pincel_filtro_motion_blur(TSurfDesc* dst, TSurfDesc* mask, const CRectangulo* rect,
+                                         const CPunto* at, uint32_t colour, int length,
+                                         float angle);
+
+/** FiltroBrilloBlur(TSurfDesc&, TSurfDesc&, CRectangulo const&, CPunto const&, unsigned long, int,
+ * float). */
+PINCEL_API int pincel_filtro_brillo_blur(TSurfDesc* dst, TSurfDesc* mask, const CRectangulo* rect,
+                                         const CPunto* at, uint32_t colour, int length,
+                                         float angle);
+
+/** FiltroMotionMask(TSurfDesc&, TSurfDesc&, CRectangulo const&, CPunto const&, int). */
+PINCEL_API int pincel_filtro_motion_mask(TSurfDesc* dst, TSurfDesc* mask, const CRectangulo* rect,
+                                         const CPunto* at, int level);
+
+/** DoAntiAlias(TSurfDesc&, CRectangulo const&, TSurfDesc&, unsigned short). */
+PINCEL_API int pincel_do_anti_alias(TSurfDesc* image, const CRectangulo* rect, TSurfDesc* other,
+                                    unsigned short level);
+
+/** DoAntiAlias2(TSurfDesc&, CRectangulo const&, TSurfDesc&, unsigned short). */
+PINCEL_API int pincel_do_anti_alias_2(TSurfDesc* image, const CRectangulo* rect, TSurfDesc* other,
+                                      unsigned short level);
+
+/** DoAntiAliasBMP(TSurfDesc&, unsigned short). */
+PINCEL_API int pincel_do_anti_alias_bmp(TSurfDesc* image, unsigned short level);
+
+/** DoFactor(TSurfDesc&, unsigned short). */
+PINCEL_API int pincel_do_factor(TSurfDesc* image, unsigned short factor);
+
+/** DoGradient(TSurfDesc&, unsigned long const&, unsigned long const&). */
+PINCEL_API int pincel_do_gradient(TSurfDesc* image, uint32_t from, uint32_t to);
+
+/** CreateMask(TSurfDesc&, TSurfDesc&, unsigned short). */
+PINCEL_API int pincel_create_mask(TSurfDesc* mask, TSurfDesc* src, unsigned short level);
+
+/** CreateShadow(TSurfDesc&, TSurfDesc&, unsigned char, unsigned char, unsigned short). */
+PINCEL_API int pincel_create_shadow(TSurfDesc* shadow, TSurfDesc* src, unsigned char decay,
+                                    unsigned char limit, unsigned short factor);
+
+#ifndef __cplusplus
+/** @name The additions
+ * Described above, where C++ takes references in place of the pointers to records.
+ * @{ */
+PINCEL_API void pincel_build_mix_table(unsigned char table[2][65536], const TRGBA palette[256],
+                                       int dither);
+PINCEL_API pincel_status pincel_load_info_bmp(TSurfDesc* surface, const unsigned char* data,
+                                              size_t length);
+PINCEL_API pincel_status pincel_load_bmp(TSurfDesc* surface, const unsigned char* data,
+                                         size_t length);
+PINCEL_API pincel_status pincel_load_info_gif(TSurfDesc* surface, const unsigned char* data,
+                                              size_t length);
+PINCEL_API pincel_status pincel_gif_frame(TGifFrame* frame, const unsigned char* data,
+                                          size_t length);
+PINCEL_API pincel_status pincel_load_gif(TSurfDesc* surface, const unsigned char* data,
+                                         size_t length, const TGifFrame* frame);
+PINCEL_API pincel_status pincel_load_info_jpg(TSurfDesc* surface, const unsigned char* data,
+                                              size_t length);
+PINCEL_API pincel_status pincel_load_jpg(TSurfDesc* surface, const unsigned char* data,
+                                         size_t length);
+/** @} */
+#endif
+
+/** @} */
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+/* End of what scripts/exports makes. */
 
 #endif /* PINCEL_H_ */
