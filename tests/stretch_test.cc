@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "tests/support/cases.h"
 #include "tests/support/compare.h"
 #include "tests/support/mixing.h"
+#include "tests/support/outside.h"
 #include "tests/support/pictures.h"
 #include "tests/support/random.h"
 #include "tests/support/targets.h"
@@ -47,7 +47,8 @@ Picture InProportion(const Picture& dst, const CRectangulo& dst_rect, Picture sr
       },
       [&](TSurfDesc& d) {
         TSurfDesc s = Describe(src);
-        return StretchBitmap(d, dst_rect, s, src_rect, bits_per_pixel, enable, true);
+        const bool extra = src.width % 2 == 0;  // of no effect
+        return StretchBitmap(d, dst_rect, s, src_rect, bits_per_pixel, enable, extra);
       });
 }
 
@@ -488,13 +489,7 @@ TEST(StretchBitmap, DepthsThatDoNotFitStayInMemory) {
                                          random.Between(1, 15), support::AnyOptions(random));
     TSurfDesc d = Describe(dst), s = Describe(src);
     EXPECT_TRUE(StretchBitmap(d, Whole(dst), s, Whole(src), random.OneIn(2) ? 24 : 32, true, true));
-    const int64_t last = int64_t{height - 1} * dst.pitch;
-    const int64_t begin = dst.origin + std::min(last, int64_t{0});
-    const int64_t end = begin + std::abs(last) + width * dst.BytesPerPixel();
-    for (int64_t i = 0; i < int64_t(dst.bytes.size()); ++i) {
-      const bool inside = i >= begin && i < end;
-      ASSERT_TRUE(inside || dst.bytes[size_t(i)] == before.bytes[size_t(i)]) << "byte " << i;
-    }
+    EXPECT_TRUE(support::SameOutside(before, dst, width * dst.BytesPerPixel()));
   });
 }
 

@@ -149,6 +149,15 @@ TEST(CreateRotated, Mode0IsDrawBitmapWithItsKey) {
   EXPECT_EQ(Pixels(Turned(Filled(16, 3, 1, 9), src, 4)), (Words{3, 9, 1}));
 }
 
+TEST(CreateRotated, Mode0ConvertsPaletteSourcesAndTakesNoOthers) {
+  Picture src = PictureOf(8, 2, 1, {5, 6});
+  src.has_palette = true;
+  src.palette[5] = {1, 2, 3, 4};
+  src.palette[6] = {5, 6, 7, 8};
+  EXPECT_EQ(Pixels(Turned(Filled(32, 2, 1, 9), src, 4)), (Words{0x08070605, 0x04030201}));
+  EXPECT_EQ(Pixels(Turned(Filled(32, 2, 1, 9), PictureOf(24, 2, 1, {5, 6}), 0)), (Words{9, 9}));
+}
+
 TEST(CreateRotated, TurnsDoNotLookAtTheKey) {
   Picture src = PictureOf(16, 1, 3, {1, 2, 3});
   src.key = 2;
