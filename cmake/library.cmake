@@ -1,33 +1,28 @@
 # The shared library pincel::pincel and the static library pincel::pincel_static.
 
-set(folders surface convert draw mix blend filters loaders)
+set(folders surface convert draw mix blend filters loaders exports)
 list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/ OUTPUT_VARIABLE patterns)
 list(TRANSFORM patterns APPEND /*.cc)
 file(GLOB PINCEL_SOURCES CONFIGURE_DEPENDS ${patterns})
 set(entry_point ${PROJECT_SOURCE_DIR}/surface/dll_main.cc)
 list(REMOVE_ITEM PINCEL_SOURCES ${entry_point})
 
-function(pincel_objects name)
-  add_library(${name} OBJECT ${PINCEL_SOURCES})
-  target_compile_definitions(${name} PRIVATE ${ARGN})
-  target_link_libraries(${name} PRIVATE pincel_settings)
-  target_compile_options(${name} PRIVATE ${PINCEL_LIBRARY_WARNINGS})
-  # Compile settings only: nothing but the two libraries below links the archives.
-  target_include_directories(${name} SYSTEM PRIVATE
-    $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>
-    $<TARGET_PROPERTY:libjpeg-turbo::jpeg-static,INTERFACE_INCLUDE_DIRECTORIES>)
-  target_compile_definitions(${name} PRIVATE HWY_STATIC_DEFINE)
-endfunction()
-
-# One compilation serves both libraries, except on Windows, where objects with export directives
-# would make every program that links the static library export the whole interface.
-pincel_objects(pincel_objects PINCEL_BUILD)
+# One compilation serves both libraries.
+add_library(pincel_objects OBJECT ${PINCEL_SOURCES})
 if(WIN32)
-  pincel_objects(pincel_static_objects PINCEL_STATIC)
-else()
-  add_library(pincel_static_objects ALIAS pincel_objects)
+  # The module-definition file says what leaves the DLL. Objects that said so themselves would make
+  # every program that links the static library export the whole interface.
+  target_compile_definitions(pincel_objects PRIVATE PINCEL_STATIC)
 endif()
+target_link_libraries(pincel_objects PRIVATE pincel_settings)
+target_compile_options(pincel_objects PRIVATE ${PINCEL_LIBRARY_WARNINGS})
+# Compile settings only: nothing but the two libraries below links the archives.
+target_include_directories(pincel_objects SYSTEM PRIVATE
+  $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>
+  $<TARGET_PROPERTY:libjpeg-turbo::jpeg-static,INTERFACE_INCLUDE_DIRECTORIES>)
+target_compile_definitions(pincel_objects PRIVATE HWY_STATIC_DEFINE)
 
+include(exports)
 add_library(pincel SHARED $<TARGET_OBJECTS:pincel_objects>)
 add_library(pincel::pincel ALIAS pincel)
 target_include_directories(pincel INTERFACE
@@ -41,8 +36,8 @@ set_target_properties(pincel PROPERTIES
   LINKER_LANGUAGE CXX)
 if(WIN32)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/pincel.rc.in ${PROJECT_BINARY_DIR}/pincel.rc @ONLY)
-  target_sources(pincel PRIVATE ${entry_point} ${PROJECT_BINARY_DIR}/pincel.rc)
-  target_compile_definitions(pincel PRIVATE PINCEL_BUILD)
+  target_sources(pincel PRIVATE ${entry_point} ${PROJECT_BINARY_DIR}/pincel.rc ${PINCEL_DEF})
+  target_compile_definitions(pincel PRIVATE PINCEL_STATIC)
   set_target_properties(pincel PROPERTIES
     PREFIX "" IMPORT_PREFIX lib IMPORT_SUFFIX .dll.a VERSION "" SOVERSION "")
   # libgcc is shared because an exception crosses into a MinGW host only through a common unwinder.
@@ -54,14 +49,30 @@ if(WIN32)
     OUTPUT_VARIABLE PINCEL_RUNTIME_DLL_PATH OUTPUT_STRIP_TRAILING_WHITESPACE)
   file(REAL_PATH ${PINCEL_RUNTIME_DLL_PATH} PINCEL_RUNTIME_DLL_PATH)
   file(COPY ${PINCEL_RUNTIME_DLL_PATH} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+
+  # The import library for MSVC hosts, in the short form that their linkers write themselves.
+  find_program(PINCEL_LLVM_DLLTOOL llvm-dlltool)
+  mark_as_advanced(PINCEL_LLVM_DLLTOOL)
+  if(PINCEL_LLVM_DLLTOOL)
+    set(PINCEL_MSVC_IMPORT_LIBRARY ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/pincel.lib)
+    add_custom_command(OUTPUT ${PINCEL_MSVC_IMPORT_LIBRARY}
+      COMMAND ${PINCEL_LLVM_DLLTOOL} -m i386 -d ${PINCEL_MSVC_DEF} -l ${PINCEL_MSVC_IMPORT_LIBRARY}
+      DEPENDS ${PINCEL_MSVC_DEF} VERBATIM)
+    add_custom_target(pincel_msvc_import ALL DEPENDS ${PINCEL_MSVC_IMPORT_LIBRARY})
+  else()
+    message(STATUS "The import library for MSVC hosts is left out: llvm-dlltool is missing")
+  endif()
 else()
   target_link_options(pincel PRIVATE LINKER:--exclude-libs,ALL)
+  # Sanitizers need names of their own, inside and outside.
   if(NOT PINCEL_SANITIZE)
-    target_link_options(pincel PRIVATE LINKER:-z,defs)
+    target_link_options(pincel PRIVATE LINKER:-z,defs
+      LINKER:--version-script=${PINCEL_VERSION_SCRIPT})
+    set_target_properties(pincel PROPERTIES LINK_DEPENDS ${PINCEL_VERSION_SCRIPT})
   endif()
 endif()
 
-add_library(pincel_static STATIC $<TARGET_OBJECTS:pincel_static_objects>)
+add_library(pincel_static STATIC $<TARGET_OBJECTS:pincel_objects>)
 add_library(pincel::pincel_static ALIAS pincel_static)
 target_include_directories(pincel_static INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>

@@ -1,0 +1,51 @@
+# Writes what linkers need to know about exports/exports.tsv into the build folder.
+set(PINCEL_EXPORTS_TABLE ${PROJECT_SOURCE_DIR}/exports/exports.tsv)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PINCEL_EXPORTS_TABLE})
+
+set(PINCEL_DEF ${PROJECT_BINARY_DIR}/pincel.def)            # of the DLL
+set(PINCEL_MSVC_DEF ${PROJECT_BINARY_DIR}/pincel-msvc.def)  # of the import library for MSVC hosts
+set(PINCEL_VERSION_SCRIPT ${PROJECT_BINARY_DIR}/pincel.map)
+
+set(dll "LIBRARY pincel.dll\nEXPORTS\n")
+set(msvc "${dll}")
+set(map "")
+file(STRINGS ${PINCEL_EXPORTS_TABLE} lines REGEX "^[0-9]")
+foreach(line IN LISTS lines)
+  if(NOT line MATCHES "^([0-9]+)\t([^\t]+)\t([^\t]+)\t([^\t]+)\t([^\t]+)\t")
+    message(FATAL_ERROR "${PINCEL_EXPORTS_TABLE}: cannot read ${line}")
+  endif()
+  set(kind ${CMAKE_MATCH_2})
+  set(plain ${CMAKE_MATCH_3})
+  set(itanium ${CMAKE_MATCH_4})
+  set(decorated ${CMAKE_MATCH_5})
+  math(EXPR msvc_ordinal "${CMAKE_MATCH_1} + 256")
+  math(EXPR plain_ordinal "${CMAKE_MATCH_1} + 512")
+  set(data "")
+  if(kind STREQUAL "data")
+    set(data " DATA")
+  endif()
+  if(NOT kind STREQUAL "c")
+    set(entry ${itanium})
+    if(kind STREQUAL "throwing")
+      set(entry ${plain})
+    endif()
+    # PRIVATE: not for MinGW's import library.
+    string(APPEND dll "  \"${itanium}\" @${CMAKE_MATCH_1}${data}\n"
+      "  \"${decorated}\" = \"${entry}\" @${msvc_ordinal}${data} PRIVATE\n")
+    string(APPEND msvc "  \"${decorated}\"${data}\n")
+    string(APPEND map "    ${itanium};\n")
+  endif()
+  if(NOT kind STREQUAL "data")
+    string(APPEND dll "  ${plain} @${plain_ordinal}\n")
+    string(APPEND map "    ${plain};\n")
+  endif()
+  string(APPEND msvc "  ${plain}${data}\n")
+endforeach()
+
+if(WIN32)
+  file(GENERATE OUTPUT ${PINCEL_DEF} CONTENT "${dll}")
+  file(GENERATE OUTPUT ${PINCEL_MSVC_DEF} CONTENT "${msvc}")
+else()
+  file(GENERATE OUTPUT ${PINCEL_VERSION_SCRIPT}
+    CONTENT "{\n  global:\n${map}  local:\n    *;\n};\n")
+endif()
