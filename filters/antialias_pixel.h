@@ -16,7 +16,8 @@ constexpr uint32_t SoftenedSum(At&& at) {
 }
 constexpr uint32_t Softened(uint32_t sum, uint32_t most) { return std::min(sum >> 3, most); }
 
-// A cross: weight 3 at distance 1, -1 at distance 2 and in the middle. A sum below zero counts as 0.
+// A cross: weight 3 at distance 1, -1 at distance 2 and in the middle. A sum below zero counts as
+// 0.
 template <class At>
 constexpr uint32_t CrossSum(At&& at) {
   const uint32_t near = 3 * (at(-1, 0) + at(0, -1) + at(0, 1) + at(1, 0));

@@ -7,8 +7,8 @@
 
 namespace pincel {
 
-// An image whose pixels start with their value. Rows are at least as long as their pixels, and there
-// are at least five.
+// An image whose pixels start with their value. Rows are at least as long as their pixels, and
+// there are at least five.
 struct CoverageImage {
   uint8_t* pixels;
   ptrdiff_t pitch, width, height;

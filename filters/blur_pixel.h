@@ -6,8 +6,8 @@
 
 namespace pincel {
 
-// How strongly a mask byte paints: 0 keeps the pixel, 255 stores the colour. The product has 16 bits, whatever
-// the step. Intended.
+// How strongly a mask byte paints: 0 keeps the pixel, 255 stores the colour. The product has 16
+// bits, whatever the step. Intended.
 constexpr uint32_t PaintStrength(uint32_t mask, uint32_t step) {
   return ((mask * step) & 0xFFFF) >> 8;
 }
@@ -17,8 +17,8 @@ static_assert(PaintStrength(255, 256) == 255 && PaintStrength(1, 128) == 0);
 constexpr uint32_t kLeastStep = 2;
 static_assert(PaintStrength(255, kLeastStep) != 0 && PaintStrength(255, kLeastStep - 1) == 0);
 
-// One channel d on its way to c: c + floor((d - c) * (255 - strength) / 256), written with the colour's
-// weight. At 255 the colour itself.
+// One channel d on its way to c: c + floor((d - c) * (255 - strength) / 256), written with the
+// colour's weight. At 255 the colour itself.
 constexpr uint32_t PaintChannel(uint32_t d, uint32_t c, uint32_t strength) {
   return (d * 256 + (c - d) * (strength + 1)) >> 8;
 }

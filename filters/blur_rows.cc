@@ -16,8 +16,8 @@ HWY_BEFORE_NAMESPACE();
 namespace pincel {
 namespace HWY_NAMESPACE {
 
-// The four bytes of 32-bit words, those at even and odd places in lanes of 16 bits. `masks` holds the
-// mask byte of each word.
+// The four bytes of 32-bit words, those at even and odd places in lanes of 16 bits. `masks` holds
+// the mask byte of each word.
 template <class D32, class V32 = hn::VFromD<D32>>
 HWY_INLINE V32 PaintBytes(D32 d32, V32 words, V32 masks, uint32_t colour, uint32_t step) {
   const hn::Repartition<uint16_t, D32> d16;
@@ -132,8 +132,8 @@ HWY_INLINE Columns ColumnsBetween(int64_t begin, int64_t end, int64_t pixel_byte
   return {column(begin), column(end)};
 }
 
-// A row of an area through a row of a mask of one byte per pixel. Not inlined: it has two callers for
-// every format.
+// A row of an area through a row of a mask of one byte per pixel. Not inlined: it has two callers
+// for every format.
 template <class Format>
 HWY_NOINLINE void PaintRow(uint32_t colour, uint32_t step, uint8_t* dst, const uint8_t* mask,
                            size_t width) {
@@ -142,9 +142,9 @@ HWY_NOINLINE void PaintRow(uint32_t colour, uint32_t step, uint8_t* dst, const u
           Stream<1>{mask});
 }
 
-// 8 bits. The byte for row i of the area counts where it lies within row i of the mask, whatever row it
-// was meant to come from: a pass has the same columns in all rows, and most passes have none.
-// Intended.
+// 8 bits. The byte for row i of the area counts where it lies within row i of the mask, whatever
+// row it was meant to come from: a pass has the same columns in all rows, and most passes have
+// none. Intended.
 template <class Format>
 HWY_INLINE void PaintWithinRows(const Rows& area, uint32_t colour, const BlurMask& mask,
                                 std::span<const BlurPass> passes) {

@@ -9,8 +9,8 @@
 
 namespace pincel {
 
-// Passes of a step below kLeastStep are left out, so that there is an end to them: an even blur has 2h
-// passes of step 256 / h, a glow at most two of every step.
+// Passes of a step below kLeastStep are left out, so that there is an end to them: an even blur has
+// 2h passes of step 256 / h, a glow at most two of every step.
 inline constexpr size_t kMostPasses = 2 * 256 / kLeastStep;
 
 // A mask whose pixels start with their value: 1 or 4 bytes each. It has at least one row.
@@ -26,7 +26,8 @@ struct BlurPass {
   uint32_t step;
 };
 
-// Paints a packed colour onto the area, pass by pass; at most kMostPasses. `format` is that of the area.
+// Paints a packed colour onto the area, pass by pass; at most kMostPasses. `format` is that of the
+// area.
 void PaintPasses(int format, const Rows& area, uint32_t colour, const BlurMask& mask,
                  std::span<const BlurPass> passes);
 

@@ -1,13 +1,13 @@
-// Per-target: runs of bytes in which each depends on the ones before it, vector by vector. A vector is
-// computed from a guess of the bytes to the left until what comes out agrees with what went in. There
-// is one such result only, the one that byte after byte would give, and since a byte has little
-// influence on those to its right, it is there after a few rounds.
+// Per-target: runs of bytes in which each depends on the ones before it, vector by vector. A vector
+// is computed from a guess of the bytes to the left until what comes out agrees with what went in.
+// There is one such result only, the one that byte after byte would give, and since a byte has
+// little influence on those to its right, it is there after a few rounds.
 //
 // A kernel is a struct with
 //   kLefts                    how many bytes to the left count: 1 or 2
 //   kLeastLanes               shorter vectors lose to plain code
-//   At(d, x)                  what is known about Lanes(d) bytes from x on: a struct with Guess() of
-//                             their values and Values(left, left2), the values given their neighbours
+//   At(d, x)                  what is known about Lanes(d) bytes from x on: a struct with Guess()
+//                             of their values and Values(left, left2), given their neighbours
 //   ValueAt(x, left)          one byte, in plain C++
 #if defined(FILTERS_SETTLED_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef FILTERS_SETTLED_INL_H_
@@ -57,8 +57,8 @@ HWY_INLINE void SettleVectors(D d, const Kernel& kernel, uint8_t* out, size_t x,
   for (; x < count; ++x) out[x] = kernel.ValueAt(x, out[x - 1]);
 }
 
-// Writes `count` bytes; as many as count stand before them. The kernel reads nothing that is written
-// less than `distance` bytes before.
+// Writes `count` bytes; as many as count stand before them. The kernel reads nothing that is
+// written less than `distance` bytes before.
 template <class Kernel>
 HWY_INLINE void SettleRun(const Kernel& kernel, uint8_t* out, size_t count, size_t distance) {
   SettleVectors(hn::ScalableTag<uint8_t>(), kernel, out, 0, count, distance);

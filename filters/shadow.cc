@@ -71,8 +71,8 @@ void GrowByRows(const TSurfDesc& shadow, const TSurfDesc& src, int format, Shado
   }
 }
 
-// A shadow that is not of 8 bits is taken for one of 32. Rows follow each other without their pitch,
-// in both surfaces. Intended.
+// A shadow that is not of 8 bits is taken for one of 32. Rows follow each other without their
+// pitch, in both surfaces. Intended.
 void GrowInWords(const TSurfDesc& shadow, const TSurfDesc& src, int format, ShadowRule rule) {
   const int src_bytes = PixelBytes(format);
   const int64_t pixels = (int64_t{shadow.height} - 1) * std::max(shadow.width, 0) - 1;

@@ -167,8 +167,8 @@ void GrowBytes(uint8_t* shadow, size_t pitch, const uint8_t* mask, size_t count,
   SettleRun(GrowKernel{rule, above, above - 1, mask}, shadow, count, pitch);
 }
 
-// The first three bytes of 32-bit pixels or'ed: what counts to the left, where above it is the first byte
-// alone. Intended.
+// The first three bytes of 32-bit pixels or'ed: what counts to the left, where above it is the
+// first byte alone. Intended.
 struct AnyByteKernel {
   using Lane = uint8_t;
   static constexpr size_t kDstBytes = 1, kSrcBytes = 4;

@@ -10,8 +10,8 @@ Rows AllRows(const TSurfDesc& image) {
   return RowsOf<Format>(image, {0, 0, std::max(image.width, 0), std::max(image.height, 0)});
 }
 
-// A channel on its way from one value to another, in 16.16 fixed point. After as many steps as there are
-// columns it would be there: the last column is one short. Intended.
+// A channel on its way from one value to another, in 16.16 fixed point. After as many steps as
+// there are columns it would be there: the last column is one short. Intended.
 class Ramp {
  public:
   Ramp(int from, int to, int width)

@@ -10,8 +10,8 @@ HWY_BEFORE_NAMESPACE();
 namespace pincel {
 namespace HWY_NAMESPACE {
 
-// Bytes at even and odd places, each in a lane of 16 bits; the low half of `odd` is for the first of
-// every two odd bytes.
+// Bytes at even and odd places, each in a lane of 16 bits; the low half of `odd` is for the first
+// of every two odd bytes.
 template <class D8, class V = hn::VFromD<D8>>
 HWY_INLINE V ScaledBytes(D8 d8, V bytes, uint32_t even, uint32_t odd) {
   const hn::Repartition<uint16_t, D8> d16;
