@@ -308,12 +308,11 @@ TEST(GlowBlur, PositionsFartherThan128PaintNothing) {
 }
 
 TEST(MotionBlur, PointsAreTruncatedTowardZero) {
-  // cos(pi / 3) is just above 0.5 in single precision: k = -2, -1, 0, 1 give x = -1, 0, 0, 0.
-  const Picture dst = Filled(24, 5, 1, 0);
-  const Outcome seen = Motion(dst, Spot(32, 5, 2), {0, 0}, 0x0000FF, 4, 1.04719758f);
-  EXPECT_EQ(seen.pixels[2] != 0, true);
-  EXPECT_EQ(seen.pixels[1], 0u);
-  EXPECT_EQ(seen.pixels[4], 0u);
+  // cos(0.5) is 0.878: k = 1, 0, -1, -2 give x = 0.878, 0, -0.878, -1.755.
+  const Picture dst = Filled(24, 6, 1, 0), mask = Spot(32, 6, 2);
+  EXPECT_EQ(Motion(dst, mask, {0, 0}, 0x0000FF, 4, 0.5F).pixels, (Words{0, 0, 223, 127, 0, 0}));
+  // The point is added before: -0.122, -1, -1.878, -2.755.
+  EXPECT_EQ(Motion(dst, mask, {-1, 0}, 0x0000FF, 4, 0.5F).pixels, (Words{0, 0, 127, 191, 127, 0}));
 }
 
 TEST(MotionBlur, AnglesThatAreNotFiniteCountAs0) {

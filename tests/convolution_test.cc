@@ -259,6 +259,18 @@ TEST(Convolution, TapsNeedNoWholePixels) {
   EXPECT_EQ(Convolved(PictureOf(16, 2, 1, {0x0201, 0x0403}), {{1, 1}}), (Words{0x0302, 0x0403}));
 }
 
+TEST(Convolution, TapsOfEqualWeightAreClampedEachForItself) {
+  // Two rows of taps ten bytes apart, which is no whole pixel: the first of a row is moved to the
+  // image's first pixel, the second is not.
+  Words pixels;
+  for (uint32_t i = 0; i < 48; ++i) pixels.push_back(0x010101 * i * 5);
+  const Picture image = PictureOf(24, 48, 1, pixels);
+  Picture expected = image, scratch = image;
+  const Taps taps = {{-5, 1}, {5, 1}, {-16, 1}, {-6, 1}};
+  model::Convolve(expected, scratch, taps, 4, 0);
+  support::ForEachTarget([&] { EXPECT_EQ(Convolved(image, taps, 4), Pixels(expected)); });
+}
+
 TEST(Convolution, UpTo3BytesAtTheEndAreReadFromTheOldScratch) {
   // Nine bytes: eight are copied. The last pixel's red comes from what the scratch had.
   Picture image = PictureOf(24, 3, 1, {0x010203, 0x040506, 0x070809});
@@ -342,16 +354,14 @@ int64_t AnyWeight(Random& random, int style) {
   static constexpr int kEdges[] = {127, 128, 129, 256, 257, 258, 8421504, 8421505, 16843009};
   switch (style) {
     case 0:
-      return 1;
-    case 1:
       return random.Between(-5, 5);
-    case 2:
+    case 1:
       return random.Between(-300, 300);
-    case 3: {
+    case 2: {
       const int edge = kEdges[random.Below(9)];
       return random.OneIn(2) ? edge : -edge;
     }
-    case 4:
+    case 3:
       return random.OneIn(2) ? 0 : random.Between(-60000, 60000);
     default:
       return int32_t(random.Next());
@@ -361,27 +371,38 @@ int64_t AnyWeight(Random& random, int style) {
 Taps AnyTaps(Random& random, const Picture& image) {
   const int bytes = image.BytesPerPixel();
   const int size = image.height * image.pitch;
-  const int style = random.Below(6), shape = random.Below(6);
+  const int style = random.Below(7), shape = random.Below(7);
+  const int64_t equal = random.OneIn(2) ? 1 : random.Between(-20, 60);
   Taps taps;
-  const auto add = [&](int64_t offset) { taps.push_back({offset, AnyWeight(random, style)}); };
-  if (shape < 2) {  // a whole neighbourhood
-    const int x = random.Between(0, 3), y = random.Between(0, 2);
-    for (int dy = -y; dy <= y; ++dy) {
-      for (int dx = -x; dx <= x; ++dx) add(int64_t{dy} * image.pitch + dx * bytes);
+  const auto add = [&](int64_t offset) {
+    taps.push_back({offset, style > 4 ? equal : AnyWeight(random, style)});
+  };
+  if (shape < 3) {  // rows of taps: around the pixel, or anywhere and with gaps
+    const int columns = random.Between(1, 7), rows = random.Between(1, 5);
+    const bool around = random.OneIn(2);
+    const int step = around || random.OneIn(2) ? bytes : random.Between(0, 12);
+    const int down = around || random.OneIn(2) ? image.pitch : random.Between(-50, 50);
+    const int first = around ? -columns / 2 * step - rows / 2 * down : random.Between(-99, 99);
+    for (int y = 0; y < rows; ++y) {
+      for (int x = 0; x < columns; ++x) add(first + y * down + x * step);
     }
+    if (random.OneIn(3)) std::swap(taps.front(), taps[size_t(random.Below(int(taps.size())))]);
+    if (random.OneIn(4)) taps.pop_back();
     return taps;
   }
-  for (int count = random.OneIn(2) ? random.Below(6) : random.Between(0, 60); count > 0; --count) {
+  int count = random.OneIn(2) ? random.Below(6) : random.Between(0, 60);
+  if (random.OneIn(12)) count += random.Between(4, 100);
+  for (; count > 0; --count) {
     switch (shape) {
-      case 2: {  // single neighbours
+      case 3: {  // single neighbours
         const int dx = random.Between(-4, 4), dy = random.Between(-3, 3);
         add(int64_t{dy} * image.pitch + dx * bytes);
         break;
       }
-      case 3:
+      case 4:
         add(random.Between(-2 * image.pitch, 2 * image.pitch));
         break;
-      case 4:
+      case 5:
         add(random.Between(-2 * size, 2 * size));
         break;
       default: {
@@ -470,11 +491,33 @@ TEST(Convolution, EveryKernelInEveryFormatAndSize) {
   }
 }
 
+// One tap anywhere around the ends of small images: what is read, and when it was copied.
+TEST(Convolution, EveryOffset) {
+  for (int offset = -260; offset <= 260; ++offset) {
+    SCOPED_TRACE(offset);
+    support::ForEachCase(6, [&](Random& random, int seed) {
+      const int width = random.Between(1, 40), height = random.Between(1, 3);
+      const Images images = AnyImages(random, kFilteredFormats[seed], width, height);
+      const int weight = random.OneIn(2) ? 1 : 1 << 16;  // sums of 16 or of 32 bits
+      const Taps taps = {{offset, weight}};
+      ExpectOnEveryTarget(
+          images, [&](Picture& i, Picture& s) { return model::Convolve(i, s, taps, weight, 0); },
+          [&](TSurfDesc& i, TSurfDesc& s) { return Convolve(i, s, taps, weight, 0); });
+    });
+  }
+}
+
 TEST(Convolution, RandomLargerImages) {
-  support::ForEachCase(6 * 3, [](Random& random, int seed) {
+  support::ForEachCase(6 * 4, [](Random& random, int seed) {
     const int width = random.Between(130, 300), height = random.Between(20, 60);
     const Images images = AnyImages(random, kFilteredFormats[seed % 6], width, height);
     if (seed < 6) return ExpectOnEveryTarget(images, model::Smooth, DoSuavizado);
+    if (seed < 12) {
+      const Taps taps = AnyTaps(random, images.image);
+      return ExpectOnEveryTarget(
+          images, [&](Picture& i, Picture& s) { return model::Convolve(i, s, taps, 31, 5); },
+          [&](TSurfDesc& i, TSurfDesc& s) { return Convolve(i, s, taps, 31, 5); });
+    }
     const int number = random.Below(23);
     ExpectOnEveryTarget(
         images, [&](Picture& i, Picture& s) { return model::FilterByNumber(i, s, number); },
