@@ -38,24 +38,36 @@ void QuarterTurn(const TSurfDesc& dst, const TSurfDesc& src, int mode) {
   TransposeRows(Format::kBytes, rows);
 }
 
+// Whether runs of bytes at the two addresses have a byte in common.
+bool Overlap(const uint8_t* a, const uint8_t* b, size_t size) {
+  const uintptr_t first = reinterpret_cast<uintptr_t>(a), second = reinterpret_cast<uintptr_t>(b);
+  return first < second + size && second < first + size;
+}
+
+// Copies `count` units backwards from `src`, one after the other where the areas overlap.
+template <class Format>
+void CopyUnitsReversed(uint8_t* dst, const uint8_t* src, size_t count) {
+  constexpr ptrdiff_t kUnit = Format::kBytes;
+  if (!Overlap(dst, src - ptrdiff_t(count - 1) * kUnit, count * size_t(kUnit))) {
+    return CopyReversed(Format::kBytes, dst, src, count);
+  }
+  for (; count != 0; --count, dst += kUnit, src -= kUnit) Format::Store(dst, Format::Load(src));
+}
+
 // Copies backwards from the source's first pixel into the destination, padding included, up to its
 // last pixel. Intended.
 template <class Format>
 void CopyReversed(const TSurfDesc& dst, const TSurfDesc& src) {
   constexpr int64_t kUnit = Format::kBytes;
   const int64_t count = (int64_t{dst.height - 1} * dst.pitch + dst.width * kUnit - kUnit) / kUnit;
-  for (int64_t k = 0; k < count; ++k) {
-    const ptrdiff_t at = ptrdiff_t(k * kUnit);
-    if constexpr (kUnit == 2) {
-      // This pixel and the next one in a word whose four bytes are reversed; the next word covers
-      // the second of them. So pixels lose the order of their bytes, and the last one is written
-      // too. Intended.
-      const uint32_t word = LoadWord<uint32_t>(src.pixels - at - kUnit);
-      StoreWord(dst.pixels + at,
-                word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24);
-    } else {
-      Format::Store(dst.pixels + at, Format::Load(src.pixels - at));
-    }
+  if (count <= 0) return;
+  if constexpr (kUnit == 2) {
+    // Each step stores a pixel and the next one as a word whose four bytes are reversed, and the
+    // next step covers the second of them. So all bytes come in reverse order, and the last pixel is
+    // written too. Intended.
+    CopyUnitsReversed<Indexed8>(dst.pixels, src.pixels + 1, size_t(count + 1) * 2);
+  } else {
+    CopyUnitsReversed<Format>(dst.pixels, src.pixels, size_t(count));
   }
 }
 

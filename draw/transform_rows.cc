@@ -91,6 +91,44 @@ void MirrorRows(int pixel_bytes, const Rows& rows) {
   }
 }
 
+// Copying backwards: pixel x comes from x pixels before `src`.
+template <class Format, class D>
+HWY_INLINE void CopyBackwards(D d, uint8_t* HWY_RESTRICT dst, const uint8_t* HWY_RESTRICT src,
+                              size_t width) {
+  using Run = ReversedRun<Format>;
+  size_t x = 0;
+  if constexpr (UsesVectors<Run>()) {
+    constexpr size_t kLanes = hn::MaxLanes(D());
+    const auto copy = [&](size_t from) HWY_ATTR {
+      const uint8_t* const run = src - ptrdiff_t((from + kLanes - 1) * Format::kBytes);
+      Run::Store(d, Run::Load(d, run), dst + from * Format::kBytes);
+    };
+    for (; x + kLanes <= width; x += kLanes) copy(x);
+    if (x == width) return;
+    if (width >= kLanes) return copy(width - kLanes);  // overlaps the one before
+    if constexpr (CanHalve(D())) return CopyBackwards<Format>(hn::Half<D>(), dst, src, width);
+  }
+  for (; x < width; ++x) {
+    Format::Store(dst + x * Format::kBytes, Format::Load(src - ptrdiff_t(x * Format::kBytes)));
+  }
+}
+
+template <class Format>
+HWY_INLINE void CopyBackwardsOf(uint8_t* dst, const uint8_t* src, size_t count) {
+  CopyBackwards<Format>(hn::ScalableTag<typename ReversedRun<Format>::Lane>(), dst, src, count);
+}
+
+void CopyReversed(int pixel_bytes, uint8_t* dst, const uint8_t* src, size_t count) {
+  switch (pixel_bytes) {
+    case 1:
+      return CopyBackwardsOf<Indexed8>(dst, src, count);
+    case 3:
+      return CopyBackwardsOf<Rgb888>(dst, src, count);
+    default:
+      return CopyBackwardsOf<Argb8888>(dst, src, count);
+  }
+}
+
 // Turning. A square of pixels, 16 bytes wide, is transposed in each block of 16 bytes of a vector: the
 // blocks hold squares that lie below each other in the source and side by side in the destination.
 // 24-bit pixels are words on the way.
@@ -130,12 +168,15 @@ HWY_INLINE hn::VFromD<D> SpreadBlocks(D d, hn::VFromD<D> blocks) {
 // Each stage interleaves the first half of the vectors with the second.
 template <class D, size_t side>
 HWY_INLINE void TransposeBlocks(D d, hn::VFromD<D> (&v)[side]) {
+  HWY_UNROLL(4)
   for (size_t stage = side; stage > 1; stage /= 2) {
     hn::VFromD<D> joined[side];
+    HWY_UNROLL(8)
     for (size_t i = 0; i < side / 2; ++i) {
       joined[2 * i] = hn::InterleaveLower(d, v[i], v[i + side / 2]);
       joined[2 * i + 1] = hn::InterleaveUpper(d, v[i], v[i + side / 2]);
     }
+    HWY_UNROLL(16)
     for (size_t i = 0; i < side; ++i) v[i] = joined[i];
   }
 }
@@ -172,10 +213,12 @@ HWY_INLINE void TransposeSquares(D d, const SourceRows& rows, size_t x, size_t y
                  to + hn::MaxLanes(half));
     }
   } else {
+    HWY_UNROLL(16)
     for (size_t i = 0; i < kSide; ++i) {
       v[i] = LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step);
     }
     TransposeBlocks(d, v);
+    HWY_UNROLL(16)
     for (size_t i = 0; i < kSide; ++i) {
       hn::StoreU(v[i], d, reinterpret_cast<hn::TFromD<D>*>(dst + ptrdiff_t(i) * rows.dst_pitch));
     }
@@ -335,12 +378,16 @@ HWY_AFTER_NAMESPACE();
 namespace pincel {
 
 HWY_EXPORT(MirrorRows);
+HWY_EXPORT(CopyReversed);
 HWY_EXPORT(TransposeRows);
 HWY_EXPORT(ShiftBytesOf);
 HWY_EXPORT(MapBytesOf);
 
 void MirrorRows(int pixel_bytes, const Rows& rows) {
   HWY_DYNAMIC_DISPATCH(MirrorRows)(pixel_bytes, rows);
+}
+void CopyReversed(int pixel_bytes, uint8_t* dst, const uint8_t* src, size_t count) {
+  HWY_DYNAMIC_DISPATCH(CopyReversed)(pixel_bytes, dst, src, count);
 }
 void TransposeRows(int pixel_bytes, const SourceRows& rows) {
   HWY_DYNAMIC_DISPATCH(TransposeRows)(pixel_bytes, rows);

@@ -10,6 +10,9 @@ namespace pincel {
 // Reverses the order of the pixels of each row, in place.
 void MirrorRows(int pixel_bytes, const Rows& rows);
 
+// Copies `count` pixels of 1, 3 or 4 bytes, from `src` backwards. The areas must not overlap.
+void CopyReversed(int pixel_bytes, uint8_t* dst, const uint8_t* src, size_t count);
+
 // Destination row y becomes source column y, read downwards: dst(x, y) = src(y, x). Either pitch may
 // be negative, which turns one way or the other.
 void TransposeRows(int pixel_bytes, const SourceRows& rows);
