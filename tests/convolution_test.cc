@@ -263,7 +263,7 @@ TEST(Convolution, TapsOfEqualWeightAreClampedEachForItself) {
   // Two rows of taps ten bytes apart, which is no whole pixel: the first of a row is moved to the
   // image's first pixel, the second is not.
   Words pixels;
-  for (uint32_t i = 0; i < 48; ++i) pixels.push_back(0x010101 * i * 5);
+  for (uint32_t i = 0; i < 48; ++i) pixels.push_back(0x804000 + i * 0x020105);
   const Picture image = PictureOf(24, 48, 1, pixels);
   Picture expected = image, scratch = image;
   const Taps taps = {{-5, 1}, {5, 1}, {-16, 1}, {-6, 1}};
