@@ -15,11 +15,10 @@ namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
-// Sums to channels in 16-bit lanes; the sums are at least -32767.
+// Sums to channels in 16-bit lanes; no sum is below -32767. The weights have taken the divisor's sign.
 struct NarrowResult {
-  NarrowResult(const TapList& taps, bool sums_signed)
-      : bias(taps.bias), one(taps.divisor == 1 || taps.divisor == -1), is_signed(sums_signed) {
-    // The weights take the divisor's sign.
+  NarrowResult(const TapList& taps, const Plan& plan)
+      : bias(taps.bias), one(taps.divisor == 1 || taps.divisor == -1), is_signed(plan.is_signed) {
     const uint32_t divisor =
         taps.divisor < 0 ? 0u - uint32_t(taps.divisor) : uint32_t(taps.divisor);
     if (!one) reciprocal = Reciprocal<15>::Of(divisor);
@@ -106,9 +105,8 @@ struct NarrowKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;
   static constexpr size_t kLongest = kPiece;
 
-  NarrowKernel(const TapList& list, const Plan& plan) : result(list, plan.is_signed) {
+  NarrowKernel(const TapList& list, const Plan& plan) : result(list, plan) {
     const int32_t sign = list.divisor < 0 ? -1 : 1;
-    if (sign < 0) result.is_signed = true;
     for (int i = 0; i < list.count; ++i) {
       if (list.weights[i] != 0) taps.Add(list.offset(i), list.weights[i] * sign);
     }
@@ -203,15 +201,19 @@ struct NarrowKernel {
     hn::StoreU(hn::BitCast(du, pixels), du, reinterpret_cast<uint16_t*>(dst + x));
   }
 
+  // `sources(taps, at)` finds the addresses of taps; `inside`: they all lie in the buffer, as far from
+  // each other as their offsets.
   template <class Sources>
-  HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, Sources&& sources) const {
+  HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, bool inside, Sources&& sources) const {
     const uint8_t* at[kGroup + 1];
     sources(taps, at);
-    at[taps.count] = at[0];  // the other one of the last pair; its weight is 0
+    // The other one of the last pair; its weight is 0.
+    if (taps.count % 2 != 0) at[taps.count] = at[0];
     const size_t bytes = pixels * Format::kBytes;
     size_t done = 0;
     if constexpr (kHaveGrids) {
-      if (grid.columns != 0) done = RunGrid(dst, at, bytes);
+      // At the ends of the buffer, the pixels of different taps have nothing to do with each other.
+      if (inside && grid.columns != 0) done = RunGrid(dst, at, bytes);
     }
     Run(hn::ScalableTag<uint8_t>(), dst, at, done, bytes);
   }
@@ -291,9 +293,9 @@ struct WideKernel {
   WideKernel(const TapList& list, const Plan&) : taps(list), result(list) {}
 
   template <class Sources>
-  HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, Sources&& sources) {
+  HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, bool /*inside*/, Sources&& sources) {
     const size_t bytes = pixels * Format::kBytes;
-    std::memset(sums, 0, sizeof(sums));
+    std::memset(sums, 0, (bytes + 64) / 2 * kSumsOf2Bytes * sizeof(sums[0]));  // a vector more
     Group group;
     const auto add = [&]() HWY_ATTR {
       const uint8_t* at[kGroup + 1];
@@ -302,7 +304,7 @@ struct WideKernel {
       group.weights[group.count] = 0;
       for (size_t i = 0; i < group.count; i += 2) {
         low[i / 2] = Pair(group.weights[i], group.weights[i + 1]);
-        // What is left without the low halves as signed numbers.
+        // What is left of the weights without their low halves, which are signed.
         high[i / 2] = Pair(int32_t((int64_t{group.weights[i]} + 0x8000) >> 16),
                            int32_t((int64_t{group.weights[i + 1]} + 0x8000) >> 16));
         any_high |= high[i / 2] != 0;
@@ -342,13 +344,13 @@ struct WideKernel {
     }
   }
 
-  // A channel of two pixels or two bytes of one in each 16-bit lane pair: first tap, second tap.
+  // The weights of two taps in every pair of 16-bit lanes.
   template <class D8>
   struct Weights {
     using D32 = hn::Repartition<int32_t, D8>;
     using V32 = hn::VFromD<D32>;
     using V16 = hn::VFromD<hn::Repartition<int16_t, D8>>;
-    // Values of 8 bits, in words.
+    // `values`: what the first and the second tap read, of 8 bits each.
     HWY_INLINE V32 AddTo(V32 sum, hn::VFromD<hn::Repartition<uint16_t, D8>> values) const {
       const D32 d32;
       const hn::Repartition<int16_t, D8> d16;

@@ -15,7 +15,7 @@ constexpr size_t kStaged = 64;   // pixels of a piece some of whose taps leave t
 constexpr size_t kSummed = 256;  // pixels of a piece whose 32-bit sums are kept between groups
 constexpr size_t kPiece = 4096;  // pixels of any piece: what is copied stays in the cache
 
-// Taps that contribute: offsets and weights other than 0.
+// Taps whose weight is not 0. One more has room behind the last.
 struct Group {
   void Add(ptrdiff_t offset, int32_t weight) {
     offsets[count] = offset;
@@ -96,14 +96,14 @@ struct Plan {
     }
     plan.is_narrow = plan.taps <= kGroup && positive <= kMost && negative >= -kMost &&
                      taps.bias >= -kMostBias && taps.bias <= kMostBias;
-    plan.is_signed = negative < 0;
+    plan.is_signed = taps.divisor < 0 ? positive > 0 : negative < 0;
     return plan;
   }
   static constexpr int kMostBias = 16383;  // twice that fits
   int32_t lowest = 0, highest = 0;         // offsets; that of the pixel itself counts
   size_t taps = 0;
   bool is_narrow;  // no sum leaves 16 bits
-  bool is_signed;  // a sum may be negative
+  bool is_signed;  // a quotient may be negative
 };
 
 }  // namespace pincel

@@ -80,10 +80,10 @@ class Pieces {
     };
     uint8_t* dst = image.pixels.dst + at;
     if (computed == pixels) {
-      kernel.Pixels(dst, pixels, sources);
+      kernel.Pixels(dst, pixels, inside, sources);
     } else {
       uint8_t unit[kUnit * 4];  // a whole vector at least
-      kernel.Pixels(unit, kUnit, sources);
+      kernel.Pixels(unit, kUnit, inside, sources);
       std::memcpy(dst, unit, pixels * size_t{kPixel});
     }
   }
