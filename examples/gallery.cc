@@ -961,17 +961,18 @@ const std::vector<Operation>& Operations() {
                                int(s.canvas.bpp), true, false);
                })},
       {"Scaling", "StretchBitmap, blocks that are too large",
-       "A ramp from black to white, reduced sixteen times and shown five times as large. From the "
-       "middle on the sum of a block no longer fits into 16 bits. Intended.",
+       "A ramp from black to white at a twentieth of its size, enlarged. From a third on the sum "
+       "of a "
+       "block no longer fits into 16 bits and wraps. Intended.",
        OnPhoto({},
                [](Stage& s) {
-                 HostSurface ramp(s.format, 240, 48), small(s.format, 15, 3);
+                 HostSurface ramp(s.format, 240, 60), small(s.format, 12, 3);
                  DoGradient(ramp, 0x000000, kWhite);
                  StretchBitmap(small, small.Bounds(), ramp, ramp.Bounds(), int(s.canvas.bpp), true,
                                false);
                  if (s.canvas.bpp < 24) return;
-                 BltStrech(s.canvas, {12, 10, 87, 30}, ramp, ramp.Bounds(), false);
-                 BltStrech(s.canvas, {12, 35, 87, 65}, small, small.Bounds(), false);
+                 BltStrech(s.canvas, {14, 10, 86, 30}, ramp, ramp.Bounds(), false);
+                 BltStrech(s.canvas, {14, 35, 86, 65}, small, small.Bounds(), false);
                })},
       {"Scaling", "The three ways to scale",
        "Up and down: the nearest pixel; mixed neighbours, which skip pixels when they reduce; "
