@@ -115,6 +115,61 @@ void UnpackIndices(uint8_t* dst, const uint8_t* src, size_t count, unsigned bits
   }
 }
 
+// Neighbouring indices that come in small parts, put together and stored at once.
+template <class Format>
+class JoinedIndices {
+ public:
+  static constexpr size_t kLongestPart = 255, kOvershoot = 16;
+
+  explicit JoinedIndices(const IndexSink<Format>& sink) : sink_(sink) {}
+
+  // Where the next up to kLongestPart indices, which belong at `dst`, are to be put. kOvershoot bytes
+  // may be written in any case.
+  uint8_t* Part(uint8_t* dst) {
+    if (used_ > kSize - kLongestPart) Store();
+    if (used_ == 0) dst_ = dst;
+    return indices_ + used_;
+  }
+  void Add(size_t count) { used_ += count; }
+  void Store() {
+    if (used_ > 0) sink_.Row(dst_, indices_, used_);
+    used_ = 0;
+  }
+
+ private:
+  static constexpr size_t kSize = 2048;
+  const IndexSink<Format>& sink_;
+  uint8_t* dst_ = nullptr;
+  size_t used_ = 0;
+  uint8_t indices_[kSize + kOvershoot];
+};
+
+// Most runs are short. Those are put down without asking how short: a wrong guess of the processor
+// costs more than some bytes too many.
+constexpr size_t kShortRun = 16;
+void PutShortRun(uint8_t* dst, uint8_t index) {
+  const uint64_t eight = index * 0x0101010101010101;
+  StoreWord(dst, eight);
+  StoreWord(dst + 8, eight);
+}
+
+// Literals, by words that overlap.
+void PutLiterals(uint8_t* dst, const uint8_t* src, size_t count) {
+  if (count > 16) {
+    std::memcpy(dst, src, count);
+  } else if (count >= 8) {
+    const auto first = LoadWord<uint64_t>(src), last = LoadWord<uint64_t>(src + count - 8);
+    StoreWord(dst, first);
+    StoreWord(dst + count - 8, last);
+  } else if (count >= 4) {
+    const auto first = LoadWord<uint32_t>(src), last = LoadWord<uint32_t>(src + count - 4);
+    StoreWord(dst, first);
+    StoreWord(dst + count - 4, last);
+  } else {
+    for (size_t i = 0; i < count; ++i) dst[i] = src[i];
+  }
+}
+
 // Codes of 8 bits, or of 4, whose runs alternate between two indices. Never writes outside the rows:
 // runs and literals are clipped at the row end, a position outside ends the decoding.
 // `skip(dst, width, why)` gets the pixels of each row that are left out.
@@ -122,16 +177,21 @@ template <class Format, class Skip>
 RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
                              const IndexSink<Format>& sink, Padding padding, Skip&& skip) {
   size_t x = 0, y = 0;
+  JoinedIndices<Format> joined(sink);
   const auto here = [&] { return rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes; };
+  const auto add = [&](size_t count) {
+    joined.Add(count);
+    x += count;
+  };
   const auto skip_to = [&](size_t end_x, size_t end_y, Skipped why) {
+    joined.Store();
     for (; y < end_y; ++y, x = 0) skip(here(), rows.width - x, why);
     skip(here(), end_x - x, why);
     x = end_x;
   };
-  const auto unpacked = [&](const uint8_t* packed, size_t count) {
-    uint8_t indices[256];
-    UnpackIndices(indices, packed, count, bits);
-    sink.Row(here(), indices, count);
+  const auto end = [&](RunLengthEnd reason) {
+    joined.Store();
+    return reason;
   };
   while (y < rows.height) {
     const size_t left = rows.width - x;
@@ -139,18 +199,23 @@ RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
     const uint8_t code = codes.Byte();
     if (codes.RanOut()) {
       const bool at_end = y == rows.height - 1 && left == 0;
-      return at_end ? RunLengthEnd::kComplete : RunLengthEnd::kDataEnded;
+      return end(at_end ? RunLengthEnd::kComplete : RunLengthEnd::kDataEnded);
     }
     if (count > 0) {
       const size_t fitting = std::min(count, left);
-      if (bits == 8) {
-        sink.Run(here(), code, fitting);
-      } else {
+      if (bits != 8) {
         uint8_t pairs[128];
         std::memset(pairs, code, sizeof(pairs));
-        unpacked(pairs, fitting);
+        UnpackIndices(joined.Part(here()), pairs, fitting, bits);
+        add(fitting);
+      } else if (fitting <= kShortRun) {
+        PutShortRun(joined.Part(here()), code);
+        add(fitting);
+      } else {
+        joined.Store();
+        sink.Run(here(), code, fitting);
+        x += fitting;
       }
-      x += fitting;
     } else if (code == 0) {  // end of the row
       skip_to(rows.width, y, Skipped::kByEnd);
       x = 0, ++y;
@@ -160,23 +225,24 @@ RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
     } else if (code == 2) {  // move
       const size_t end_x = x + codes.Byte();
       const size_t end_y = y + codes.Byte();
-      if (codes.RanOut()) return RunLengthEnd::kDataEnded;
-      if (end_x > rows.width || end_y >= rows.height) return RunLengthEnd::kMovedOutside;
+      if (codes.RanOut()) return end(RunLengthEnd::kDataEnded);
+      if (end_x > rows.width || end_y >= rows.height) return end(RunLengthEnd::kMovedOutside);
       skip_to(end_x, end_y, Skipped::kByMove);
     } else {
       const size_t bytes = (code * bits + 7) / 8, fitting = std::min<size_t>(code, left);
       const uint8_t* const literals = codes.Bytes(bytes);
-      if (literals == nullptr) return RunLengthEnd::kDataEnded;
+      if (literals == nullptr) return end(RunLengthEnd::kDataEnded);
+      uint8_t* const part = joined.Part(here());
       if (bits == 8) {
-        sink.Row(here(), literals, fitting);
+        PutLiterals(part, literals, fitting);
       } else {
-        unpacked(literals, fitting);
+        UnpackIndices(part, literals, fitting, bits);
       }
-      x += fitting;
+      add(fitting);
       if (padding == Padding::kOneByte ? bytes % 2 != 0 : codes.AtOddAddress()) codes.Bytes(1);
     }
   }
-  return RunLengthEnd::kComplete;
+  return end(RunLengthEnd::kComplete);
 }
 
 // What skipped pixels become: the colour of entry 0, but nothing where that packs to 0 and on indexed

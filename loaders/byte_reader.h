@@ -24,8 +24,9 @@ class ByteReader {
   bool AtOddAddress() const { return reinterpret_cast<uintptr_t>(at_) % 2 != 0; }
 
   uint8_t Byte() {
-    const uint8_t* const byte = Bytes(1);
-    return byte == nullptr ? 0 : *byte;
+    if (at_ != end_) return *at_++;
+    ran_out_ = true;
+    return 0;
   }
   // The next `count` bytes; null, and the reader at the end, when there are fewer.
   const uint8_t* Bytes(size_t count) {

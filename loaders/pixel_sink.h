@@ -61,9 +61,14 @@ class IndexSink {
   explicit IndexSink(const TRGBA* colours) {
     for (int i = 0; i < 256; ++i) table_.pixel[i] = PackEntry<Format>(colours[i]);
   }
-  // Whole rows; a few pixels; the same pixel several times.
+  // Whole rows; one row or a part of it; the same pixel several times.
   void Store(const SourceRows& rows) const { ExpandIndexed(Format::kBytes, rows, table_, false); }
   void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
+    constexpr size_t kWorthAKernel = 64;
+    if (width >= kWorthAKernel) {
+      Store({{dst, 0, width, 1}, indices, 0});
+      return;
+    }
     for (size_t x = 0; x < width; ++x) {
       Format::Store(dst + x * Format::kBytes, Pixel(indices[x]));
     }
@@ -87,16 +92,7 @@ class IndexSink<Indexed8> {
   explicit IndexSink(const TRGBA*) {}
   void Store(const SourceRows& rows) const { CopyRows<Indexed8>(rows); }
   void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
-    if (width >= 8 && width < 32) {
-      for (size_t x = 0; x + 8 <= width; x += 8) {
-        StoreWord(dst + x, LoadWord<uint64_t>(indices + x));
-      }
-      StoreWord(dst + width - 8, LoadWord<uint64_t>(indices + width - 8));
-    } else if (width >= 8) {
-      std::memcpy(dst, indices, width);
-    } else {
-      for (size_t x = 0; x < width; ++x) dst[x] = indices[x];
-    }
+    std::memcpy(dst, indices, width);
   }
   void Run(uint8_t* dst, uint8_t index, size_t width) const {
     StoreRun<Indexed8>(dst, index, width);
