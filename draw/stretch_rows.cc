@@ -44,7 +44,7 @@ template <class Windows, class Begin, class End>
 HWY_INLINE bool FindWindows(Windows& windows, size_t total, size_t run, size_t readable,
                             Begin begin, End end) {
   if (total < run) return false;
-  for (size_t vectors : {1, 2, 4}) {
+  for (size_t vectors : {size_t{1}, size_t{2}, size_t{4}}) {
     const size_t size = vectors * kVectorBytes;
     if (readable < size) return false;
     windows.vectors_each = vectors;

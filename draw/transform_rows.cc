@@ -192,6 +192,7 @@ HWY_INLINE void TransposeSquares(D d, const SourceRows& rows, size_t x, size_t y
   if constexpr (Format::kBytes == 3) {
     // At the end of a row the four pixels are the last of the 16 bytes.
     if (y + Square<Format>::kLeastWidth <= rows.height) {
+      HWY_UNROLL(4)
       for (size_t i = 0; i < kSide; ++i) {
         v[i] = SpreadBlocks<0>(d, LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step));
       }
@@ -205,6 +206,7 @@ HWY_INLINE void TransposeSquares(D d, const SourceRows& rows, size_t x, size_t y
     const hn::Repartition<uint8_t, D> d8;
     const hn::Half<decltype(d8)> half;
     const hn::Half<decltype(half)> quarter;
+    HWY_UNROLL(4)
     for (size_t i = 0; i < kSide; ++i) {
       uint8_t* const to = dst + ptrdiff_t(i) * rows.dst_pitch;
       const auto triples = GatherTriples(d8, v[i]);
