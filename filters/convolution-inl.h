@@ -15,7 +15,8 @@ namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
-// Sums to channels in 16-bit lanes; no sum is below -32767. The weights have taken the divisor's sign.
+// Sums to channels in 16-bit lanes; no sum is below -32767. The weights have taken the divisor's
+// sign.
 struct NarrowResult {
   NarrowResult(const TapList& taps, const Plan& plan)
       : bias(taps.bias), one(taps.divisor == 1 || taps.divisor == -1), is_signed(plan.is_signed) {
@@ -99,7 +100,8 @@ HWY_INLINE hn::VFromD<D8> ColourBytes(D8 d8, hn::VFromD<D8> bytes) {
   return bytes;
 }
 
-// Filters pixels whose taps begin at `at[tap]`; the bytes of 24 and 32 bits are independent streams.
+// Sums of 16 bits. The bytes of 24 and 32 bits are filtered one like the other, whatever their
+// channel.
 template <class Format>
 struct NarrowKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;
@@ -218,7 +220,8 @@ struct NarrowKernel {
     Run(hn::ScalableTag<uint8_t>(), dst, at, done, bytes);
   }
 
-  // At least kUnit pixels, those before byte `x` done. The last vector may overlap the one before.
+  // At least kUnit pixels, those before byte `x` done. The last vector may overlap the one
+  // before.
   template <class D8>
   HWY_INLINE void Run(D8 d8, uint8_t* dst, const uint8_t* const* at, size_t x, size_t bytes) const {
     constexpr size_t kSize = hn::MaxLanes(D8());
@@ -283,8 +286,8 @@ struct NarrowKernel {
   int16_t weights[kGroup];
 };
 
-// Taps of any weight: 32-bit sums, a group of taps at a time. Taps are multiplied in pairs of 16-bit
-// lanes; weights of more bits are two factors, the upper one for sums that count 65536 times.
+// Taps of any weight: 32-bit sums, a group of taps at a time. Taps are multiplied in pairs of
+// 16-bit lanes; weights of more bits are two factors, the upper one for sums that count 65536 times.
 template <class Format>
 struct WideKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;
@@ -327,8 +330,8 @@ struct WideKernel {
     return int32_t((uint32_t(even) & 0xFFFF) | uint32_t(odd) << 16);
   }
 
-  // `function(d8, x, sums)` for vectors that cover all bytes; the last one may overlap the one before,
-  // with sums of its own.
+  // `function(d8, x, sums)` for vectors that cover all bytes; the last one may overlap the one
+  // before, with sums of its own.
   template <class D8, class Function>
   HWY_INLINE void ForEachVector(D8, size_t bytes, Function&& function) {
     constexpr size_t kSize = hn::MaxLanes(D8());

@@ -51,10 +51,10 @@ struct Grid {
   uint16_t distances[kGroup] = {};
 };
 
-// Division of magnitudes up to 2^bits, bits one less than a word has, by a constant: the high word of
-// a product, shifted. With d <= 2^(shift + 1), multiplier = 2^(bits + 1 + shift) / d rounded up is too
-// large by less than 1, so that a product is too large by less than 2^bits, and its quotient by less
-// than 2^bits / 2^(bits + 1 + shift) <= 1 / d: never enough to reach the next integer.
+// Division of magnitudes up to 2^bits, bits one less than a word has, by a constant: the high word
+// of a product, shifted. With d <= 2^(shift + 1), multiplier = 2^(bits + 1 + shift) / d rounded up is
+// too large by less than 1, so that a product is too large by less than 2^bits, and its quotient by
+// less than 2^bits / 2^(bits + 1 + shift) <= 1 / d: never enough to reach the next integer.
 template <int bits>
 struct Reciprocal {
   static constexpr Reciprocal Of(uint32_t divisor) {  // at least 2

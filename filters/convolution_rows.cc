@@ -129,8 +129,8 @@ class Pieces {
 
 #endif  // HWY_TARGET != HWY_SCALAR
 
-// One pixel after the other, from a copy made before: all that there is without vectors, and what is
-// left where the copy lies in the image itself.
+// One pixel after the other, from a copy made before: all that there is without vectors, and what
+// is left where the copy overlaps the image.
 template <class Format>
 void ConvolvePixels(const ConvolvedImage& image, const TapList& taps) {
   const Rows& rows = image.pixels;
