@@ -203,8 +203,8 @@ struct NarrowKernel {
     hn::StoreU(hn::BitCast(du, pixels), du, reinterpret_cast<uint16_t*>(dst + x));
   }
 
-  // `sources(taps, at)` finds the addresses of taps; `inside`: they all lie in the buffer, as far from
-  // each other as their offsets.
+  // `sources(taps, at)` finds the addresses of taps; `inside`: they all lie in the buffer, as far
+  // from each other as their offsets.
   template <class Sources>
   HWY_INLINE void Pixels(uint8_t* dst, size_t pixels, bool inside, Sources&& sources) const {
     const uint8_t* at[kGroup + 1];
@@ -287,7 +287,7 @@ struct NarrowKernel {
 };
 
 // Taps of any weight: 32-bit sums, a group of taps at a time. Taps are multiplied in pairs of
-// 16-bit lanes; weights of more bits are two factors, the upper one for sums that count 65536 times.
+// 16-bit lanes; weights of more bits are two factors, the upper one for sums that count 65536-fold.
 template <class Format>
 struct WideKernel {
   static constexpr bool kByBytes = Format::kBytes != 2;

@@ -52,8 +52,8 @@ struct Grid {
 };
 
 // Division of magnitudes up to 2^bits, bits one less than a word has, by a constant: the high word
-// of a product, shifted. With d <= 2^(shift + 1), multiplier = 2^(bits + 1 + shift) / d rounded up is
-// too large by less than 1, so that a product is too large by less than 2^bits, and its quotient by
+// of a product, shifted. With d <= 2^(shift + 1), multiplier = 2^(bits + 1 + shift) / d rounded up
+// is too large by less than 1. So a product is too large by less than 2^bits, and its quotient by
 // less than 2^bits / 2^(bits + 1 + shift) <= 1 / d: never enough to reach the next integer.
 template <int bits>
 struct Reciprocal {
