@@ -9,7 +9,8 @@
 
 class MovingScene {
  public:
-  static constexpr int kWidth = 320, kHeight = 240;
+  // An odd width shows whether a host minds the padding of rows.
+  static constexpr int kWidth = 321, kHeight = 240;
 
   MovingScene(const Assets& assets, Format format)
       : photo_(assets.LoadPhoto("wuffs-peacock", format)),

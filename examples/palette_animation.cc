@@ -32,8 +32,8 @@ void SetRamp(TRGBA* first, int entries, unsigned long from, unsigned long to) {
   DoGradient(row, from, to);
 }
 
-// Ripples around two stones: the index of a pixel grows with its distances from them.
-void DrawRipples(HostSurface& picture) {
+// Rings around two points: the index of a pixel grows with its distances from both.
+void DrawRings(HostSurface& picture) {
   for (int y = 0; y < kHeight; ++y) {
     for (int x = 0; x < kWidth; ++x) {
       const double way = 3 * std::hypot(x - 90, y - 70) + 2 * std::hypot(x - 260, y - 190);
@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
     SetRamp(moving + 64, 64, 0x2080C0, 0xE0F0F0);
     SetRamp(moving + 128, 64, 0xE0F0F0, 0x081848);
     picture.palette[kInk] = {255, 255, 255, 255};
-    DrawRipples(picture);
+    DrawRings(picture);
     Write(picture, {16, 214}, "PINCEL", 0xFFFFFF, 3);
 
     SdlWindow window("Pincel", kWidth, kHeight, Format::k32);
