@@ -1,5 +1,7 @@
 #include "tests/exports/exported_functions.h"
 
+#include <algorithm>
+
 #include "tests/support/files.h"
 
 namespace exported {
@@ -7,7 +9,7 @@ namespace {
 
 // Some functions look at the bytes before and behind a surface; and those that do not check the
 // format write pixels of up to four bytes, whatever the surface has.
-constexpr size_t kMargin = 4096;
+constexpr size_t kMargin = 1024;
 
 const std::vector<uint8_t>& FileFor(const std::string& function) {
   static const std::string folder = PINCEL_SOURCE_DIR "/examples/assets/";
@@ -51,10 +53,13 @@ Arguments::Arguments(const std::string& function, const Format& dst, const Forma
     if (function != "CQXGIF::NextImage") gif.NextImage();
     gif.codeSize = 9;
   }
-  if (function == "DrawBlock") level = 3;  // is position and size here
-  if (function == "Convert") colour = 3;   // is the mode here
+  if (function == "DrawBlock") level = 3;      // position and size
+  if (function == "Convert") colours_[0] = 3;  // mode
   if (function == "StretchBitmap") number = int(dst.bpp);
-  if (function == "DoGradient") colour = 0xFF8040;
+  if (function == "Rellena") {
+    colours_[0] = 600;  // tolerance
+    std::fill(surfaces_[1].bytes.begin(), surfaces_[1].bytes.end(), uint8_t{0});
+  }
 }
 
 void Arguments::Fill(Picture& picture, const Format& format, uint32_t seed) {

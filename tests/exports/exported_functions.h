@@ -41,13 +41,13 @@ class Arguments {
   TSurfDesc& Surface() { return surfaces_.at(size_t(next_surface_++)).desc; }
   CRectangulo& Rectangle() { return rectangles_.at(size_t(next_rectangle_++)); }
   CPunto& Point() { return points_.at(size_t(next_point_++)); }
+  unsigned long& Colour() { return colours_.at(size_t(next_colour_++)); }
 
   CQXGIF gif{};
   RAW frame{};
   CSize size{};
   TRGBA palette[256] = {};
   int number = 5;
-  unsigned long colour = 0x80123456;
   unsigned short level = 200;
   unsigned char byte = 100;
   float fraction = 0.6f;
@@ -68,8 +68,9 @@ class Arguments {
   std::array<Picture, 4> surfaces_;
   std::array<CRectangulo, 2> rectangles_ = {{{2, 1, 42, 9}, {0, 0, 30, 6}}};
   std::array<CPunto, 3> points_ = {{{3, 4}, {20, 9}, {5, 6}}};
+  std::array<unsigned long, 3> colours_ = {0x80123456, 0x00FFFFFF, 0x00102030};
   std::vector<uint8_t> decoded_;
-  int next_surface_ = 0, next_rectangle_ = 0, next_point_ = 0;
+  int next_surface_ = 0, next_rectangle_ = 0, next_point_ = 0, next_colour_ = 0;
 };
 
 // The two planes that 8-bit mixing looks colours up in.
@@ -88,8 +89,8 @@ inline auto NextOf(Arguments& a, Type<TRGBA>) -> TRGBA (&)[256] { return a.palet
 inline auto NextOf(Arguments& a, Type<TRGBA[256]>) -> TRGBA (&)[256] { return a.palette; }
 inline bool NextOf(Arguments& a, Type<bool>) { return a.flag; }
 inline int NextOf(Arguments& a, Type<int>) { return a.number; }
-inline unsigned long& NextOf(Arguments& a, Type<unsigned long>) { return a.colour; }
-inline uint32_t NextOf(Arguments& a, Type<uint32_t>) { return uint32_t(a.colour); }
+inline unsigned long& NextOf(Arguments& a, Type<unsigned long>) { return a.Colour(); }
+inline uint32_t NextOf(Arguments& a, Type<uint32_t>) { return uint32_t(a.Colour()); }
 inline unsigned short NextOf(Arguments& a, Type<unsigned short>) { return a.level; }
 inline unsigned char NextOf(Arguments& a, Type<unsigned char>) { return a.byte; }
 inline float NextOf(Arguments& a, Type<float>) { return a.fraction; }

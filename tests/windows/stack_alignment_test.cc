@@ -1,5 +1,5 @@
-// Hosts on 32-bit Windows keep the stack aligned to four bytes only. Each export here is called at
-// all four offsets, past anything a compiler would align on the way.
+// Hosts on 32-bit Windows keep the stack aligned to four bytes only. Functions with vector code are
+// called here at all four offsets, in every format; every_export_test.cc calls all there are.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -10,29 +10,9 @@
 
 #include "pincel.h"
 #include "tests/support/files.h"
+#include "tests/windows/call_at_offset.h"
 
 namespace {
-
-// Copies the argument words onto a stack with esp mod 16 == offset and calls the function there.
-uint32_t CallAtOffset(uint32_t offset, const void* function, const std::vector<uint32_t>& words) {
-  uint32_t result = reinterpret_cast<uint32_t>(function);
-  const uint32_t* from = words.data();
-  uint32_t count = words.size();
-  uint32_t reserve = 256 + ((16 - offset) & 15);
-  asm volatile(
-      "movl %%esp, %%ebx\n\t"
-      "andl $-16, %%esp\n\t"
-      "subl %%edx, %%esp\n\t"
-      "movl %%esp, %%edi\n\t"
-      "rep movsl\n\t"
-      "call *%%eax\n\t"
-      "movl %%ebx, %%esp"
-      : "+a"(result), "+c"(count), "+d"(reserve), "+S"(from)
-      :
-      : "ebx", "edi", "memory", "cc", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6",
-        "xmm7");
-  return result;
-}
 
 template <class Argument>
 void Push(std::vector<uint32_t>& words, const Argument& argument) {
@@ -53,7 +33,7 @@ TEST(StackAlignment, TrampolineReachesEachOffset) {
   const void* probe = reinterpret_cast<const void*>(&StackProbe);
   for (uint32_t offset = 0; offset < 16; offset += 4) {
     // The call itself has pushed four bytes.
-    EXPECT_EQ(CallAtOffset(offset, probe, {1, 2, 3}), (offset + 12) % 16);
+    EXPECT_EQ(uint32_t(CallAtOffset(offset, probe, {1, 2, 3})), (offset + 12) % 16);
   }
 }
 
