@@ -84,12 +84,20 @@ HWY_INLINE void RepeatableRow(D d, const Kernel& kernel, uint8_t* HWY_RESTRICT d
         x = PixelsToBoundary<Kernel::kDstBytes, kLanes * sizeof(hn::TFromD<D>)>(dst);
         if (x != 0) kernel.Vector(d, dst, src);
       }
-      for (; x + kLanes <= width; x += kLanes) {
-        kernel.Vector(d, dst + x * Kernel::kDstBytes, src + x * Kernel::kSrcBytes);
+      const auto vector = [&](size_t at) HWY_ATTR {
+        kernel.Vector(d, dst + at * Kernel::kDstBytes, src + at * Kernel::kSrcBytes);
+      };
+      // Loops around short vectors cost more than what is in them.
+      constexpr size_t kTimes = kLanes * sizeof(hn::TFromD<D>) == 16 ? 2 : 1;
+      for (; x + kTimes * kLanes <= width; x += kTimes * kLanes) {
+        vector(x);
+        if constexpr (kTimes == 2) vector(x + kLanes);
       }
-      if (x == width) return;
-      x = width - kLanes;
-      kernel.Vector(d, dst + x * Kernel::kDstBytes, src + x * Kernel::kSrcBytes);
+      if (kTimes == 2 && x + kLanes <= width) {
+        vector(x);
+        x += kLanes;
+      }
+      if (x != width) vector(width - kLanes);
       return;
     }
     if constexpr (CanHalve(D())) {
