@@ -148,7 +148,7 @@ class JoinedIndices {
 // costs more than some bytes too many.
 constexpr size_t kShortRun = 16;
 void PutShortRun(uint8_t* dst, uint8_t index) {
-  const uint64_t eight = index * 0x0101010101010101;
+  const uint64_t eight = uint64_t{index} * 0x0101010101010101;
   StoreWord(dst, eight);
   StoreWord(dst + 8, eight);
 }
