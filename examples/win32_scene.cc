@@ -7,19 +7,11 @@
 #include <cstdlib>
 #include <exception>
 
+#include "dib_section.h"
 #include "frame_time.h"
 #include "moving_scene.h"
 
 namespace {
-
-// What GDI wants to know about a bitmap; behind the header a palette at 8 bits, masks at 16.
-struct BitmapInfo {
-  BITMAPINFOHEADER header;
-  union {
-    RGBQUAD palette[256];
-    DWORD masks[3];
-  };
-};
 
 class Host {
  public:
@@ -27,44 +19,19 @@ class Host {
       : title_(std::string("Pincel, ") + format),
         last_frame_(last_frame),
         scene_(Assets(folder), FormatNamed(format)),
-        screen_(CreateCompatibleDC(nullptr)) {
-    const FormatFacts& facts = FactsOf(FormatNamed(format));
-    BitmapInfo info = {};
-    info.header.biSize = sizeof info.header;
-    info.header.biWidth = MovingScene::kWidth;
-    info.header.biHeight = -MovingScene::kHeight;  // negative: row 0 is the top one, as ours is
-    info.header.biPlanes = 1;
-    info.header.biBitCount = WORD(facts.bpp);
-    info.header.biCompression = BI_RGB;
-    if (facts.bpp == 16) {  // plain 16 bits are 555; masks, in the order red, green, blue, say 565
-      info.header.biCompression = BI_BITFIELDS;
-      info.masks[0] = facts.red, info.masks[1] = facts.green, info.masks[2] = facts.blue;
-    }
-    for (int i = 0; facts.bpp == 8 && i < 256; ++i) {  // an RGBQUAD starts with blue, as TRGBA does
-      const TRGBA entry = scene_.Palette()[i];
-      info.palette[i] = {entry.blue, entry.green, entry.red, 0};
-    }
-    void* pixels = nullptr;
-    SelectObject(screen_, CreateDIBSection(screen_, reinterpret_cast<BITMAPINFO*>(&info),
-                                           DIB_RGB_COLORS, &pixels, nullptr, 0));
-    if (pixels == nullptr) throw std::runtime_error("there is no DIB section");
-
-    const int pitch = (MovingScene::kWidth * int(facts.bpp) + 31) / 32 * 4;  // GDI pads to 4 bytes
-    surface_ = Described(facts.format, MovingScene::kWidth, MovingScene::kHeight, pitch, pixels);
-  }
+        screen_(MovingScene::kWidth, MovingScene::kHeight, FormatNamed(format), scene_.Palette()) {}
 
   void Draw(HWND window) {
     if (frame_ == last_frame_) return;
-    GdiFlush();  // GDI works off its calls when it likes: let it finish with our pixels first
-    time_.Measure([&] { scene_.Draw(surface_, ++frame_); });
+    TSurfDesc& surface = screen_.Surface();
+    time_.Measure([&] { scene_.Draw(surface, ++frame_); });
     if (frame_ % 20 == 0) SetWindowTextA(window, time_.Title(title_).c_str());
     InvalidateRect(window, nullptr, FALSE);
   }
 
   void Paint(HWND window) const {
     PAINTSTRUCT paint;
-    BitBlt(BeginPaint(window, &paint), 0, 0, surface_.width, surface_.height, screen_, 0, 0,
-           SRCCOPY);
+    screen_.Show(BeginPaint(window, &paint));
     EndPaint(window, &paint);
   }
 
@@ -72,8 +39,7 @@ class Host {
   std::string title_;
   int last_frame_, frame_ = 0;
   MovingScene scene_;
-  HDC screen_;
-  TSurfDesc surface_ = {};
+  DibSection screen_;
   FrameTime time_;
 };
 

@@ -6,7 +6,8 @@
 
 The functions are those at the end of pincel.h, without their prefix; what they do is described
 there. Rectangles (left, top, right, bottom) and points (x, y) are tuples. Bytes, palettes, tables
-and lists of numbers are numpy arrays or bytes; None is the null pointer.
+and lists of numbers are numpy arrays or bytes; None is the null pointer. On Windows it takes a
+32-bit Python, as the DLL has 32 bits.
 """
 import ctypes
 import os
