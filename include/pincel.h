@@ -34,6 +34,8 @@
  *   surface.
  * - **Results** are not uniformly meaningful; several functions always return the same value. Each
  *   text says what its result means. Nothing is logged, and nothing is thrown but by #LoadJPG.
+ *
+ * For C the same functions have names of their own, at the end of this file.
  */
 #ifndef PINCEL_H_
 #define PINCEL_H_
@@ -812,8 +814,8 @@ PINCEL_API bool LoadInfoJPG(TSurfDesc& surface, unsigned char* data, long length
  * bytes from its first pixel. So a surface with a negative pitch receives nothing.
  *
  * **An error in the header, up to the first scan, is thrown as an `int`.** A host built with MinGW
- * must link libgcc as a DLL (`-shared-libgcc`) to catch it; where nothing can be caught, there is
- * #pincel_load_jpg.
+ * must link libgcc as a DLL (`-shared-libgcc`) to catch it. Hosts of the MSVC family could not; they
+ * get false. Where nothing can be caught, there is #pincel_load_jpg.
  * @param surface destination; pixels, pitch, masks and, at 8 bits, palette filled in by the caller.
  * @param data the file. @param length its bytes; nothing behind them is read.
  * @return true when the decoder had nothing to complain about; false after any error or warning, with
