@@ -9,6 +9,7 @@
 // clang-format on
 
 #include "loaders/byte_reader.h"
+#include "loaders/colour_rows.h"
 #include "loaders/pixel_sink.h"
 #include "surface/format_dispatch.h"
 #include "surface/rows.h"
@@ -296,15 +297,14 @@ template <class Format, Alpha alpha>
 void StoreRow(uint8_t* dst, const uint8_t* decoded, size_t width) {
   if constexpr (kDecodesInPlace<Format, alpha>) {
     if (dst != decoded) std::memcpy(dst, decoded, width * Format::kBytes);
+  } else if constexpr (Format::kBytes == 4) {
+    StoreColourBytes(4, {{dst, 0, width, 1}, decoded, 0});
   } else {
+    // The alpha bits of 1555 and 4444 are 0 without `kOpaque`. Intended.
+    constexpr uint8_t kByte = alpha == Alpha::kNone ? 0 : 0xFF;
     for (size_t x = 0; x < width; ++x, dst += Format::kBytes, decoded += 4) {
-      const uint32_t colour = Argb8888::Load(decoded);
-      if constexpr (Format::kBytes == 4) {
-        Format::Store(dst, (Format::Load(dst) & 0xFF000000) | (colour & 0x00FFFFFF));
-      } else {
-        // The alpha bits of 1555 and 4444 are 0 without `kOpaque`. Intended.
-        Format::Store(dst, PackWithAlpha<Format>(ToBgr(colour), alpha == Alpha::kNone ? 0 : 0xFF));
-      }
+      const Bgr colour = ToBgr(Argb8888::Load(decoded));
+      Format::Store(dst, PackWithAlpha<Format>(colour, kByte));
     }
   }
 }
