@@ -38,6 +38,17 @@ TEST(EveryExport, OrdinalsFindWhatNamesFind) {
   }
 }
 
+// Hosts may import by ordinal, so the table may grow at its end only.
+TEST(EveryExport, OrdinalsAreThoseOfTheFirstVersion) {
+  EXPECT_EQ(Find(1), Find("_ZN6CQXGIF10ReadHeaderEPhP3RAW"));
+  EXPECT_EQ(Find(5), lu_gPaleta);
+  EXPECT_EQ(Find(34), Find("_Z10DrawBitmapR9TSurfDesc11CRectanguloS0_6CPunto"));
+  EXPECT_EQ(Find(256 + 65), Find("?LoadJPG@@YA_NAAUTSurfDesc@@PAEJ@Z"));
+  EXPECT_EQ(Find(512 + 82), Find("pincel_do_suma"));
+  EXPECT_EQ(Find(117), Find("_Z12CreateShadowR9TSurfDescS0_hht"));
+  EXPECT_EQ(Find(512 + 125), Find("pincel_load_jpg"));
+}
+
 // Both compilers enter at one place, except where an exception would reach a host that cannot catch it.
 TEST(EveryExport, MsvcNamesAreOtherNamesOfTheSameFunctions) {
   for (const exported::Function& function : exported::AllFunctions()) {
