@@ -12,6 +12,7 @@
 #include "tests/support/compare.h"
 #include "tests/support/gif_writer.h"
 #include "tests/support/random.h"
+#include "tests/support/targets.h"
 
 namespace {
 
@@ -659,54 +660,57 @@ Picture RandomSurface(Random& random, int format, int width, int height) {
 }
 
 TEST(LoadGIF, MatchesTheModel) {
-  ForEachCase(1500, [](Random& random, int) {
-    const int width = support::WidthOf(random.Below(support::kWidths));
-    const int height = random.Between(0, 20);
-    GifFile file;
-    file.signature = random.OneIn(50) ? "GIX" : "GIF89a";
-    file.width = random.Below(65536);
-    file.height = random.Below(65536);
-    file.table = RandomTable(random);
-    for (int i = random.Between(1, 2); i > 0; --i) {
-      file.images.push_back(RandomImage(random, width, height));
-    }
-    GifInMemory memory(file.Bytes());
-    for (int format : model::kFormats) {
-      const bool read_palette = !random.OneIn(6), alpha = random.OneIn(8);
-      RAW expected_frame, frame;
-      CQXGIF expected_gif{}, gif{};
-      std::fill_n(&frame.palette[0][0], sizeof(frame.palette), uint8_t{0x77});
-      frame.width = frame.height = 5;
-      expected_frame = frame;
-      TSurfDesc info{};
-      const bool known = model::GifInfo(expected_gif, memory.Data(), expected_frame, read_palette);
-      ASSERT_EQ((read_palette ? LoadInfoGIF : LoadInfoGIFAlpha)(info, memory.Data(), gif, frame),
-                known);
-      ASSERT_EQ(info.width, int32_t(expected_frame.width));
-      ASSERT_EQ(info.height, int32_t(expected_frame.height));
-      ASSERT_EQ(info.bpp, 8u);
-      ASSERT_EQ(frame.output, nullptr);
-      for (bool more = true; more;) {
-        more = model::GifNextImage(expected_gif) == 0;
-        ASSERT_EQ(LoadGIFNext(info, memory.Data(), gif, frame), more);
-        ExpectSameState(expected_gif, gif);
-        if (!more) break;
-        Picture expected = RandomSurface(random, format, width, height);
-        Picture actual = expected;
-        if (alpha) expected.format = 8;
-        const bool decoded = alpha ? model::LoadGifAlpha(expected, expected_gif, expected_frame)
-                                   : model::LoadGif(expected, expected_gif, expected_frame);
-        expected.format = format;
-        TSurfDesc surface = Describe(actual);
-        ASSERT_EQ((alpha ? LoadGIFAlpha : LoadGIF)(surface, nullptr, gif, frame), decoded);
-        ASSERT_TRUE(Same(expected, actual, surface));
-        ASSERT_EQ(frame.output, surface.pixels);
-        ExpectSameState(expected_gif, gif);
-        ExpectSameRecord(expected_frame, frame);
-        // Random data may contain anything: stop behind the last real frame.
-        more = gif.cursor < memory.Data() + file.Bytes().size();
+  support::ForEachTarget([] {
+    ForEachCase(500, [](Random& random, int) {
+      const int width = support::WidthOf(random.Below(support::kWidths));
+      const int height = random.Between(0, 20);
+      GifFile file;
+      file.signature = random.OneIn(50) ? "GIX" : "GIF89a";
+      file.width = random.Below(65536);
+      file.height = random.Below(65536);
+      file.table = RandomTable(random);
+      for (int i = random.Between(1, 2); i > 0; --i) {
+        file.images.push_back(RandomImage(random, width, height));
       }
-    }
+      GifInMemory memory(file.Bytes());
+      for (int format : model::kFormats) {
+        const bool read_palette = !random.OneIn(6), alpha = random.OneIn(8);
+        RAW expected_frame, frame;
+        CQXGIF expected_gif{}, gif{};
+        std::fill_n(&frame.palette[0][0], sizeof(frame.palette), uint8_t{0x77});
+        frame.width = frame.height = 5;
+        expected_frame = frame;
+        TSurfDesc info{};
+        const bool known =
+            model::GifInfo(expected_gif, memory.Data(), expected_frame, read_palette);
+        ASSERT_EQ((read_palette ? LoadInfoGIF : LoadInfoGIFAlpha)(info, memory.Data(), gif, frame),
+                  known);
+        ASSERT_EQ(info.width, int32_t(expected_frame.width));
+        ASSERT_EQ(info.height, int32_t(expected_frame.height));
+        ASSERT_EQ(info.bpp, 8u);
+        ASSERT_EQ(frame.output, nullptr);
+        for (bool more = true; more;) {
+          more = model::GifNextImage(expected_gif) == 0;
+          ASSERT_EQ(LoadGIFNext(info, memory.Data(), gif, frame), more);
+          ExpectSameState(expected_gif, gif);
+          if (!more) break;
+          Picture expected = RandomSurface(random, format, width, height);
+          Picture actual = expected;
+          if (alpha) expected.format = 8;
+          const bool decoded = alpha ? model::LoadGifAlpha(expected, expected_gif, expected_frame)
+                                     : model::LoadGif(expected, expected_gif, expected_frame);
+          expected.format = format;
+          TSurfDesc surface = Describe(actual);
+          ASSERT_EQ((alpha ? LoadGIFAlpha : LoadGIF)(surface, nullptr, gif, frame), decoded);
+          ASSERT_TRUE(Same(expected, actual, surface));
+          ASSERT_EQ(frame.output, surface.pixels);
+          ExpectSameState(expected_gif, gif);
+          ExpectSameRecord(expected_frame, frame);
+          // Random data may contain anything: stop behind the last real frame.
+          more = gif.cursor < memory.Data() + file.Bytes().size();
+        }
+      }
+    });
   });
 }
 

@@ -16,6 +16,7 @@
 #include "tests/support/files.h"
 #include "tests/support/libjpeg.h"
 #include "tests/support/random.h"
+#include "tests/support/targets.h"
 
 namespace {
 
@@ -273,33 +274,35 @@ Bytes AnyFile(Random& random, int width, int height) {
 
 // Every kind of file, on surfaces that are smaller, as large, and larger.
 TEST(LoadJPG, AgreesWithThePlainDecoder) {
-  ForEachCase(250, [](Random& random, int) {
-    const int width = random.Between(1, 70), height = random.Between(1, 40);
-    const Bytes file = AnyFile(random, width, height);
-    const PlainImage colours = DecodePlain(file), indices = DecodePlain(file, lu_gPaleta);
-    ASSERT_TRUE(colours.sound && indices.sound);
-    for (int format : kFormats) {
-      const bool same = random.OneIn(2);
-      const int w = same ? width : random.Between(0, 2 * width);
-      const int h = same ? height : random.Between(0, 2 * height);
-      support::PictureOptions options = support::AnyOptions(random);
-      if (format == 8) options.exact = false;  // all of height x pitch bytes count
-      Picture expected = support::RandomPicture(random, format, w, h, options);
-      Picture actual = expected, bounded = expected, expected_bounded = expected;
-      const Bytes& samples = (format == 8 ? indices : colours).samples;
-      model::StoreJpeg(expected, width, samples);
-      TSurfDesc surface = Describe(actual);
-      const bool any_pixels = surface.pixels != nullptr;
-      ASSERT_EQ(Load(surface, file), any_pixels ? Loaded::kTrue : Loaded::kFalse);
-      ASSERT_TRUE(Same(expected, actual, surface)) << format;
+  support::ForEachTarget([] {
+    ForEachCase(80, [](Random& random, int) {
+      const int width = random.Between(1, 70), height = random.Between(1, 40);
+      const Bytes file = AnyFile(random, width, height);
+      const PlainImage colours = DecodePlain(file), indices = DecodePlain(file, lu_gPaleta);
+      ASSERT_TRUE(colours.sound && indices.sound);
+      for (int format : kFormats) {
+        const bool same = random.OneIn(2);
+        const int w = same ? width : random.Between(0, 2 * width);
+        const int h = same ? height : random.Between(0, 2 * height);
+        support::PictureOptions options = support::AnyOptions(random);
+        if (format == 8) options.exact = false;  // all of height x pitch bytes count
+        Picture expected = support::RandomPicture(random, format, w, h, options);
+        Picture actual = expected, bounded = expected, expected_bounded = expected;
+        const Bytes& samples = (format == 8 ? indices : colours).samples;
+        model::StoreJpeg(expected, width, samples);
+        TSurfDesc surface = Describe(actual);
+        const bool any_pixels = surface.pixels != nullptr;
+        ASSERT_EQ(Load(surface, file), any_pixels ? Loaded::kTrue : Loaded::kFalse);
+        ASSERT_TRUE(Same(expected, actual, surface)) << format;
 
-      surface = Describe(bounded);
-      const bool fits = w >= width && h >= height;
-      ASSERT_EQ(pincel_load_jpg(surface, file.data(), file.size()),
-                fits ? PINCEL_OK : PINCEL_SURFACE_TOO_SMALL);
-      if (fits) model::StoreBoundedJpeg(expected_bounded, width, samples);
-      ASSERT_TRUE(Same(expected_bounded, bounded, surface)) << format;
-    }
+        surface = Describe(bounded);
+        const bool fits = w >= width && h >= height;
+        ASSERT_EQ(pincel_load_jpg(surface, file.data(), file.size()),
+                  fits ? PINCEL_OK : PINCEL_SURFACE_TOO_SMALL);
+        if (fits) model::StoreBoundedJpeg(expected_bounded, width, samples);
+        ASSERT_TRUE(Same(expected_bounded, bounded, surface)) << format;
+      }
+    });
   });
 }
 

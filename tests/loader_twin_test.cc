@@ -18,6 +18,7 @@
 #include "tests/support/files.h"
 #include "tests/support/gif_writer.h"
 #include "tests/support/random.h"
+#include "tests/support/targets.h"
 
 namespace {
 
@@ -371,35 +372,37 @@ TEST(BoundedGif, EveryTruncation) {
 }
 
 TEST(BoundedGif, AgreesWithTheOtherLoader) {
-  ForEachCase(300, [](Random& random, int) {
-    const int width = random.Between(1, 60), height = random.Between(1, 20);
-    const int root_bits = random.Between(2, 8);
-    ByteVector indices(size_t(width * height));
-    const int values = random.OneIn(2) ? 3 : 1 << root_bits;
-    for (uint8_t& index : indices) index = uint8_t(random.Below(values));
-    GifImage image = Image(width, height, ByteVector{});
-    image.interlaced = random.OneIn(2);
-    image.root_bits = root_bits;
-    image.data = SubBlocks(Compressed(indices, root_bits, random.Below(9)).Bytes(),
-                           size_t(random.Between(1, 255)));
-    image.table = {root_bits - 1, ByteVector(768)};
-    for (uint8_t& byte : image.table.rgb) byte = random.Byte();
-    const ByteVector file = File({image}).Bytes();
-    for (int format : model::kFormats) {
-      Picture expected = Blank(format, width, height, 0), actual = expected;
-      support::GifInMemory memory(file);
-      TSurfDesc info{}, surface = Describe(expected);
-      CQXGIF gif{};
-      RAW frame;
-      ASSERT_TRUE(LoadInfoGIF(info, memory.Data(), gif, frame));
-      ASSERT_TRUE(LoadGIFNext(info, memory.Data(), gif, frame));
-      ASSERT_TRUE(LoadGIF(surface, memory.Data(), gif, frame));
-      ASSERT_EQ(LoadGif(actual, file), PINCEL_OK);
-      for (size_t i = 3; format == 32 && i < expected.bytes.size(); i += 4) {
-        expected.bytes[i] = 0xFF;  // where the other one leaves indices
+  support::ForEachTarget([] {
+    ForEachCase(100, [](Random& random, int) {
+      const int width = random.Between(1, 60), height = random.Between(1, 20);
+      const int root_bits = random.Between(2, 8);
+      ByteVector indices(size_t(width * height));
+      const int values = random.OneIn(2) ? 3 : 1 << root_bits;
+      for (uint8_t& index : indices) index = uint8_t(random.Below(values));
+      GifImage image = Image(width, height, ByteVector{});
+      image.interlaced = random.OneIn(2);
+      image.root_bits = root_bits;
+      image.data = SubBlocks(Compressed(indices, root_bits, random.Below(9)).Bytes(),
+                             size_t(random.Between(1, 255)));
+      image.table = {root_bits - 1, ByteVector(768)};
+      for (uint8_t& byte : image.table.rgb) byte = random.Byte();
+      const ByteVector file = File({image}).Bytes();
+      for (int format : model::kFormats) {
+        Picture expected = Blank(format, width, height, 0), actual = expected;
+        support::GifInMemory memory(file);
+        TSurfDesc info{}, surface = Describe(expected);
+        CQXGIF gif{};
+        RAW frame;
+        ASSERT_TRUE(LoadInfoGIF(info, memory.Data(), gif, frame));
+        ASSERT_TRUE(LoadGIFNext(info, memory.Data(), gif, frame));
+        ASSERT_TRUE(LoadGIF(surface, memory.Data(), gif, frame));
+        ASSERT_EQ(LoadGif(actual, file), PINCEL_OK);
+        for (size_t i = 3; format == 32 && i < expected.bytes.size(); i += 4) {
+          expected.bytes[i] = 0xFF;  // where the other one leaves indices
+        }
+        ASSERT_TRUE(Same(expected, actual, Describe(actual)));
       }
-      ASSERT_TRUE(Same(expected, actual, Describe(actual)));
-    }
+    });
   });
 }
 
@@ -738,33 +741,35 @@ TEST(BoundedBmp, EveryTruncation) {
 }
 
 TEST(BoundedBmp, AgreesWithTheOtherLoader) {
-  ForEachCase(300, [](Random& random, int) {
-    const int width = random.Between(1, 60), height = random.Between(1, 20);
-    const int bits = random.OneIn(2) ? 8 : 24;
-    BmpFile contents = Bmp(width, random.OneIn(2) ? height : -height, bits,
-                           ByteVector(size_t(BmpStride(width, bits) * height)));
-    for (uint8_t& byte : contents.pixels) byte = random.Byte();
-    const ByteVector file = contents.Bytes();
-    for (int format : model::kFormats) {
-      if (format == 8 && bits == 24) continue;
-      Picture expected = Blank(format, width, height), actual = expected;
-      support::FileInMemory memory(file);
-      TSurfDesc surface = Describe(expected);
-      ASSERT_TRUE(LoadBMP(surface, memory.Data()));
-      ASSERT_EQ(LoadBmp(actual, file), PINCEL_OK);
-      if (format == 8) {  // the other one keeps the entries that the file lacks
-        for (size_t i = 4; i < 256; ++i) expected.palette[i] = {1, 0, 0, kOld};
+  support::ForEachTarget([] {
+    ForEachCase(150, [](Random& random, int) {
+      const int width = random.Between(1, 60), height = random.Between(1, 20);
+      const int bits = random.OneIn(2) ? 8 : 24;
+      BmpFile contents = Bmp(width, random.OneIn(2) ? height : -height, bits,
+                             ByteVector(size_t(BmpStride(width, bits) * height)));
+      for (uint8_t& byte : contents.pixels) byte = random.Byte();
+      const ByteVector file = contents.Bytes();
+      for (int format : model::kFormats) {
+        if (format == 8 && bits == 24) continue;
+        Picture expected = Blank(format, width, height), actual = expected;
+        support::FileInMemory memory(file);
+        TSurfDesc surface = Describe(expected);
+        ASSERT_TRUE(LoadBMP(surface, memory.Data()));
+        ASSERT_EQ(LoadBmp(actual, file), PINCEL_OK);
+        if (format == 8) {  // the other one keeps the entries that the file lacks
+          for (size_t i = 4; i < 256; ++i) expected.palette[i] = {1, 0, 0, kOld};
+        }
+        for (int i = 0; bits == 24 && i < width * height; ++i) {  // alpha from elsewhere
+          const uint32_t alpha = format == 32                   ? 0xFF000000
+                                 : format == 19                 ? 0xF000
+                                 : format == 17 || format == 18 ? 0x8000
+                                                                : 0;
+          const int x = i % width, y = i / width;
+          expected.Put(x, y, expected.Get(x, y) | alpha);
+        }
+        ASSERT_TRUE(Same(expected, actual, Describe(actual)));
       }
-      for (int i = 0; bits == 24 && i < width * height; ++i) {  // alpha from elsewhere
-        const uint32_t alpha = format == 32                   ? 0xFF000000
-                               : format == 19                 ? 0xF000
-                               : format == 17 || format == 18 ? 0x8000
-                                                              : 0;
-        const int x = i % width, y = i / width;
-        expected.Put(x, y, expected.Get(x, y) | alpha);
-      }
-      ASSERT_TRUE(Same(expected, actual, Describe(actual)));
-    }
+    });
   });
 }
 
