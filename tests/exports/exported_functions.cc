@@ -85,10 +85,9 @@ std::vector<uint8_t> Arguments::State() const {
   std::vector<uint8_t> state;
   for (const Picture& picture : surfaces_) {
     state.insert(state.end(), picture.bytes.begin(), picture.bytes.end());
-    TSurfDesc desc = picture.desc;
-    desc.pixels = nullptr;
-    desc.palette = nullptr;
-    Append(state, desc);
+    // Up to the padding before the addresses.
+    const auto* const desc = reinterpret_cast<const uint8_t*>(&picture.desc);
+    state.insert(state.end(), desc, desc + offsetof(TSurfDesc, pitch) + sizeof(picture.desc.pitch));
     Append(state, picture.palette);
   }
   state.insert(state.end(), decoded_.begin(), decoded_.end());
