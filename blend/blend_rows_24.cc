@@ -19,8 +19,7 @@ namespace pincel {
 namespace HWY_NAMESPACE {
 
 template <class Formula>
-class BlendKernel<Rgb888, Formula> {
- public:
+struct BlendKernel<Rgb888, Formula> {
   using Lane = uint8_t;
   static constexpr size_t kDstBytes = 3, kSrcBytes = 3;
 
