@@ -618,11 +618,11 @@ PINCEL_API bool FlipX(TSurfDesc& surf);
  * Modes 1 and 3 need a destination of the source's size turned; what does not fit is left out.
  *
  * **Mode 2 walks backwards from the source's first pixel, through the memory in front of it**: the
- * pixel at byte k of the destination becomes the one at byte -k, for all but the last pixel of the
- * destination, padding included. Give a source whose `pixels` is the last pixel of a block that is
+ * pixel at byte k of the destination becomes the one at byte -k, padding included, for all but the
+ * last pixel of the destination (at 16 bits for that one, too). Give a source whose `pixels` is the last pixel of a block that is
  * as large as the destination. At 16 bits each store is a word of two pixels with its bytes
  * reversed, of which the next one covers the second half: pixels arrive with their two bytes
- * swapped, and the last one is written as well. Intended.
+ * swapped. Intended.
  * @param dst destination, any format. Its whole size is filled.
  * @param src source of the destination's depth.
  * @param mode bits 0 to 2 as above; others are not significant.
@@ -633,7 +633,7 @@ PINCEL_API bool CreateRotated(TSurfDesc& dst, TSurfDesc& src, int mode);
  *
  * *24 and 32 bits*: k = trunc(amount x 510 - 255). From 0 on, k is added to every byte, the fourth
  * one included, up to 255. **A negative shift is one step weaker: |k| - 1 is subtracted**, down to 0.
- * **Only the low byte of k counts**, and its sign: with 256 added nothing changes.
+ * **Only the low byte of k counts**, and its sign: shifts of 256 and of -257 change nothing.
  *
  * *16 bits*: k = trunc(amount x 62 - 31) is added to each field, as a number of five bits from 0 to
  * 31. 565 uses green's top five bits, so that **its lowest bit is cleared by every call**; 4444
@@ -962,14 +962,15 @@ PINCEL_API bool DrawMix(TSurfDesc& dst, CRectangulo const& rect, unsigned short 
 /** Paints a colour through a mask.
  *
  * A mask byte m of 0 keeps the pixel, 255 stores the colour whole, anything between mixes with
- * weight m + 1; at 32 bits all four bytes.
+ * weight m + 1; at 32 bits all four bytes. 8-bit destinations: see DrawMask_8Bits.
  * @param dst destination, any format.
  * @param rect destination rectangle; clipped.
  * @param mask mask surface: one byte a pixel, or 32 bits, whose first byte counts.
  * @param maskAt mask pixel of the rectangle's top-left corner.
  * @param colour packed, in the destination's layout; true colour on 8-bit destinations.
  * @param table see the head of this group; needed for 8-bit destinations.
- * @return true; false for an unsupported format. */
+ * @return true; false for an unsupported format and, with nothing drawn, for an 8-bit destination
+ *         whose mask has not 8 bits. */
 PINCEL_API bool DrawMask(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& mask,
                          CPunto const& maskAt, unsigned long colour,
                          unsigned char (*const table)[65536]);
@@ -1223,7 +1224,8 @@ PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc&
  * *Arithmetic.* Sums are 32-bit and wrap; the quotient is truncated toward zero, the bias added
  * (wrapping too), the result clamped to the channel's range.
  *
- * 8-bit images are not filtered: the result is false. An image without pixels changes nothing.
+ * 8-bit images are not filtered: the result is false. A buffer (height x pitch bytes) that has no
+ * room for a pixel stays as it is; so does one of 24 or 32 bits whose rows have no pixels.
  * @{ */
 
 /** Filters an image with any list of taps.
@@ -1257,8 +1259,22 @@ PINCEL_API bool DoRealce(TSurfDesc& image, TSurfDesc& scratch);
 
 /** Filters an image with one of 24 stored kernels of up to 5 x 5 taps.
  *
- * 0 to 2 and 5: reliefs on grey; 3, 4, 6, 14, 16, 17 and 21: directed edges; 7, 12, 19 and 22: edges on
- * black; 8 to 11 and 20: sharpening; 13: a bright blur; 15: a shift by one pixel; 18: brighter by 140.
+ * | number         | result                                                                  |
+ * |----------------|-------------------------------------------------------------------------|
+ * | 0              | next to black: the weights sum to -79, which a bias of 50 cannot lift   |
+ * | 1, 2           | reliefs over the picture, brightened (2 and 1 times its value, plus 128) |
+ * | 5              | a relief on grey                                                        |
+ * | 3, 4, 16, 17   | directed edges on black                                                 |
+ * | 6, 14, 21      | the picture with directed edges                                         |
+ * | 7, 12, 20      | edges on black (sums -7, -18 and -3)                                    |
+ * | 8, 9, 10       | sharpening                                                              |
+ * | 11             | a blur, a little brighter (8 / 7)                                       |
+ * | 13             | a blur, nearly white (35 / 3)                                           |
+ * | 15             | a shift by one pixel to the right and down                              |
+ * | 18             | brighter by 140                                                         |
+ * | 19             | the picture, sharpened the wrong way: neighbours weigh 36, itself -35   |
+ * | 22             | edges over the picture at a third of its brightness                     |
+ *
  * Number 23 has divisor 0: it is refused.
  * @param image 16, 24 or 32 bits. @param scratch see the group.
  * @param number 0 to 22.
@@ -1398,8 +1414,8 @@ PINCEL_API bool CreateMask(TSurfDesc& mask, TSurfDesc& src, unsigned short level
  *
  * A value below 240 becomes the weighted mean of the shadow above, above left (twice) and to the left,
  * less `decay` and at most `limit`, if that is more than the mask's own value. Row 0 and the first pixel
- * of row 1 are left as they are. **The buffers are walked as one run**: left of column 0 lies the end of
- * the row above, and between two surfaces of 8 bits padding is walked, too. Intended.
+ * of row 1 are left as they are; column 0 of the later rows is written. **The buffers are walked as one
+ * run**: left of column 0 lies the end of the row above, and between two surfaces of 8 bits padding is walked, too. Intended.
  *
  * The mask is an 8-bit surface, the first byte of 32-bit pixels, or the highest channel, expanded to 8
  * bits, of 24- and 16-bit ones. An 8-bit mask needs an 8-bit shadow. **Any other mask takes a shadow that
