@@ -129,17 +129,17 @@ struct NarrowKernel {
   struct Sums {
     using D16 = hn::Repartition<int16_t, D8>;
     using V16 = hn::VFromD<D16>;
-    HWY_INLINE void Add(const uint8_t* first, const uint8_t* second, V16 weights) {
+    HWY_INLINE void Add(const uint8_t* first, const uint8_t* second, V16 pair) {
       const D8 d8;
       const auto a = LoadPixels(d8, first), b = LoadPixels(d8, second);
-      low = hn::Add(low, PairSum(hn::InterleaveLower(d8, a, b), weights));
-      high = hn::Add(high, PairSum(hn::InterleaveUpper(d8, a, b), weights));
+      low = hn::Add(low, PairSum(hn::InterleaveLower(d8, a, b), pair));
+      high = hn::Add(high, PairSum(hn::InterleaveUpper(d8, a, b), pair));
     }
-    HWY_INLINE void Store(const NarrowResult& result, uint8_t* dst) const {
+    HWY_INLINE void Store(const NarrowResult& finish, uint8_t* dst) const {
       const D8 d8;
       const D16 d16;
       // Undoes the interleaving, which is within blocks of 16 bytes as well.
-      const auto bytes = hn::ReorderDemote2To(d8, result(d16, low, 1), result(d16, high, 1));
+      const auto bytes = hn::ReorderDemote2To(d8, finish(d16, low, 1), finish(d16, high, 1));
       hn::StoreU(ColourBytes<Format>(d8, bytes), d8, dst);
     }
     // The sum of each two bytes, weighted.

@@ -33,9 +33,9 @@ struct Channels {  // bytes; the fourth one of 32 bits is none of them
 };
 template <PackedFields Format>
 struct Channels<Format> {
-  using B = Format::Blue;
-  using G = Format::Green;
-  using R = Format::Red;
+  using B = typename Format::Blue;
+  using G = typename Format::Green;
+  using R = typename Format::Red;
   // What is stored at most, and what is read at most: alpha bits count as high bits of red.
   // Intended.
   static constexpr std::array<int32_t, 3> kMax = {B::kMax, G::kMax, R::kMax};

@@ -59,7 +59,7 @@ template <int bits>
 struct Reciprocal {
   static constexpr Reciprocal Of(uint32_t divisor) {  // at least 2
     if (divisor > 1u << bits) return {0, 0};
-    const int shift = std::bit_width(divisor - 1) - 1;
+    const int shift = int(std::bit_width(divisor - 1)) - 1;
     const uint64_t power = uint64_t{1} << (bits + 1 + shift);
     return {uint32_t((power + divisor - 1) / divisor), shift};
   }

@@ -30,10 +30,10 @@ HWY_INLINE void SettleVectors(D d, const Kernel& kernel, uint8_t* out, size_t x,
     if (kLanes >= Kernel::kLeastLanes && kLanes <= distance) {
       const auto first_lane = hn::FirstN(d, 1);
       for (; x + kLanes <= count; x += kLanes) {
-        const auto before = hn::IfThenElseZero(first_lane, hn::Set(d, out[x - 1]));
+        const auto before = hn::IfThenElseZero(first_lane, hn::Set(d, out[ptrdiff_t(x) - 1]));
         auto before2 = hn::Zero(d);
         if constexpr (Kernel::kLefts > 1) {
-          before2 = hn::IfThenElseZero(first_lane, hn::Set(d, out[x - 2]));
+          before2 = hn::IfThenElseZero(first_lane, hn::Set(d, out[ptrdiff_t(x) - 2]));
         }
         const auto known = kernel.At(d, x);
         auto left = hn::Or(hn::Slide1Up(d, known.Guess()), before);
@@ -54,7 +54,7 @@ HWY_INLINE void SettleVectors(D d, const Kernel& kernel, uint8_t* out, size_t x,
       return SettleVectors(hn::Half<D>(), kernel, out, x, count, distance);
     }
   }
-  for (; x < count; ++x) out[x] = kernel.ValueAt(x, out[x - 1]);
+  for (; x < count; ++x) out[x] = kernel.ValueAt(x, out[ptrdiff_t(x) - 1]);
 }
 
 // Writes `count` bytes; as many as count stand before them. The kernel reads nothing that is
