@@ -353,15 +353,25 @@ PINCEL_API bool CopyImage(TSurfDesc& dst, TSurfDesc& src);
  * Each takes the destination (at least as large as the source; `colorKey` is set) and the source (an
  * empty one converts the key only), and returns true, always.
  * @{ */
+/** 565 to 555. */
 PINCEL_API bool Convert16_565_16_555(TSurfDesc& dst, TSurfDesc& src);
+/** 4444 to 555. */
 PINCEL_API bool Convert16_4444_16_555(TSurfDesc& dst, TSurfDesc& src);
+/** 555 to 4444. */
 PINCEL_API bool Convert16_555_16_4444(TSurfDesc& dst, TSurfDesc& src);
+/** 565 to 4444. */
 PINCEL_API bool Convert16_565_16_4444(TSurfDesc& dst, TSurfDesc& src);
+/** 4444 to 565. */
 PINCEL_API bool Convert16_4444_16_565(TSurfDesc& dst, TSurfDesc& src);
+/** 4444 to 1555. */
 PINCEL_API bool Convert16_4444_16_5551(TSurfDesc& dst, TSurfDesc& src);
+/** 555 to 1555. */
 PINCEL_API bool Convert16_555_16_5551(TSurfDesc& dst, TSurfDesc& src);
+/** 1555 to 555. */
 PINCEL_API bool Convert16_5551_16_555(TSurfDesc& dst, TSurfDesc& src);
+/** 565 to 1555. */
 PINCEL_API bool Convert16_565_16_5551(TSurfDesc& dst, TSurfDesc& src);
+/** 555 to 565. */
 PINCEL_API bool Convert16_555_16_565(TSurfDesc& dst, TSurfDesc& src);
 /** @} */
 
@@ -1139,9 +1149,12 @@ PINCEL_API bool DoSuma(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, 
 /** @name Subtract: max(a - b, 0).
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Subtracts a source. */
 PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+/** Subtracts a colour through a mask. */
 PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                         TSurfDesc& mask, CPunto const& maskAt);
+/** Subtracts a source through a mask. */
 PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                         CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
@@ -1149,10 +1162,13 @@ PINCEL_API bool DoResta(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
 /** @name Multiply: a b / 256; darkens.
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Multiplies by a source. */
 PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                              CPunto const& at);
+/** Multiplies by a colour through a mask. */
 PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                              TSurfDesc& mask, CPunto const& maskAt);
+/** Multiplies by a source through a mask. */
 PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                              CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
@@ -1160,9 +1176,12 @@ PINCEL_API bool DoMultiplica(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc&
 /** @name Screen: multiplies the complements; lightens.
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Screens with a source. */
 PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+/** Screens with a colour through a mask. */
 PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                          TSurfDesc& mask, CPunto const& maskAt);
+/** Screens with a source through a mask. */
 PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                          CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
@@ -1170,10 +1189,13 @@ PINCEL_API bool DoScreen(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src
 /** @name Lighten: the larger of both, channel by channel.
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Lightens by a source. */
 PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                           CPunto const& at);
+/** Lightens by a colour through a mask. */
 PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                           TSurfDesc& mask, CPunto const& maskAt);
+/** Lightens by a source through a mask. */
 PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                           CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
@@ -1181,9 +1203,12 @@ PINCEL_API bool DoLighten(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& sr
 /** @name Darken: the smaller of both, channel by channel.
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Darkens by a source. */
 PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src, CPunto const& at);
+/** Darkens by a colour through a mask. */
 PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                          TSurfDesc& mask, CPunto const& maskAt);
+/** Darkens by a source through a mask. */
 PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                          CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
@@ -1191,10 +1216,13 @@ PINCEL_API bool DoDarken(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src
 /** @name Overlay: multiplies where the destination is below 128, screens elsewhere.
  * Arguments and results as those of DoSuma.
  * @{ */
+/** Overlays a source. */
 PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                              CPunto const& at);
+/** Overlays a colour through a mask. */
 PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, unsigned long colour,
                              TSurfDesc& mask, CPunto const& maskAt);
+/** Overlays a source through a mask. */
 PINCEL_API bool DoSuperponer(TSurfDesc& dst, CRectangulo const& rect, TSurfDesc& src,
                              CPunto const& srcAt, TSurfDesc& mask, CPunto const& maskAt);
 /** @} */
