@@ -56,6 +56,7 @@ Arguments::Arguments(const std::string& function, const Format& dst, const Forma
   if (function == "DrawBlock") level = 3;      // position and size
   if (function == "Convert") colours_[0] = 3;  // mode
   if (function == "StretchBitmap") number = int(dst.bpp);
+  if (function.find("Filtro") == 0) points_[0].y = 0;  // the mask's first row: others do not count
   if (function == "Rellena") {
     colours_[0] = 600;  // tolerance
     std::fill(surfaces_[1].bytes.begin(), surfaces_[1].bytes.end(), uint8_t{0});

@@ -34,6 +34,8 @@ class Arguments {
   Arguments(const Arguments&) = delete;
   Arguments& operator=(const Arguments&) = delete;
 
+  // The first surface; looking at it does not count as asking for it.
+  const TSurfDesc& Destination() const { return surfaces_[0].desc; }
   // Everything that a call may have changed, addresses excepted.
   std::vector<uint8_t> State() const;
 
