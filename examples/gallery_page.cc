@@ -99,8 +99,19 @@ Snippet SnippetOf(const std::string& source, const std::string& title) {
   return snippet;
 }
 
-std::string FigureOf(const Shown& shown) {
-  std::string figure = "<figure><figcaption>" + Escaped(shown.caption) + "</figcaption>";
+// The format that a result belongs to: the one its caption begins with, else the picture's own.
+std::string FormatOf(const Shown& shown) {
+  const std::string first_word = shown.caption.substr(0, shown.caption.find_first_of(" ,:"));
+  for (const FormatFacts& facts : kFormats) {
+    if (first_word == facts.name) return facts.name;
+  }
+  return shown.picture ? FactsOf(shown.picture->format()).name : "";
+}
+
+std::string FigureOf(const Shown& shown, bool is_result) {
+  const std::string format = is_result ? FormatOf(shown) : "";
+  std::string figure = "<figure" + (format.empty() ? "" : " data-format=\"" + format + '"') +
+                       "><figcaption>" + Escaped(shown.caption) + "</figcaption>";
   if (!shown.picture)
     return figure + "<div class=text>" + Escaped(shown.text) + "</div></figure>\n";
   const HostSurface& picture = *shown.picture;
@@ -110,18 +121,19 @@ std::string FigureOf(const Shown& shown) {
          Base64(PngFileOf(picture)) + "\"></figure>\n";
 }
 
-std::string FiguresOf(const char* classes, const std::vector<Shown>& all) {
+std::string FiguresOf(const std::string& classes, const std::vector<Shown>& all) {
   if (all.empty()) return {};
-  std::string figures = std::string("<div class=\"shown ") + classes + "\">\n";
-  for (const Shown& shown : all) figures += FigureOf(shown);
+  const bool are_results = classes == "results" || classes == "matrix";
+  std::string figures = "<div class=\"shown " + classes + "\">\n";
+  for (const Shown& shown : all) figures += FigureOf(shown, are_results);
   return figures + "</div>\n";
 }
 
 std::string CardOf(const Operation& operation, const Rendering& rendering, const Snippet& code) {
   const std::string slug = Slug(operation.title), sentence = operation.sentence;
   const bool irregular = sentence.find("ntended") != std::string::npos;
-  return "<article class=card id=\"" + slug + "\"><h3><a href=\"#" + slug + "\">" +
-         Escaped(operation.title) + "</a>" +
+  return "<article class=card id=\"" + slug + "\" data-family=\"" + Slug(operation.family) +
+         "\"><h3><a href=\"#" + slug + "\">" + Escaped(operation.title) + "</a>" +
          (irregular ? "<span class=badge>irregular, intended</span>" : "") + "</h3>\n<p>" +
          Escaped(sentence) + "</p>\n<pre><small>examples/gallery.cc:" + std::to_string(code.line) +
          "</small><code>" + Escaped(code.text) + "</code></pre>\n" +
@@ -208,6 +220,28 @@ std::string FormatsTable() {
 )";
 }
 
+std::string Chip(const std::string& filter, const std::string& value, const std::string& label) {
+  return "<button type=button data-filter=" + filter + " value=\"" + value + "\">" +
+         Escaped(label) + "</button>";
+}
+
+// What the page's script makes work.
+std::string Tools() {
+  std::string families = Chip("family", "", "all"), formats = Chip("format", "", "all");
+  const char* family = "";
+  for (const Operation& operation : Operations()) {
+    if (std::string(family) == operation.family) continue;
+    family = operation.family;
+    families += Chip("family", Slug(family), family);
+  }
+  for (const FormatFacts& facts : kFormats) formats += Chip("format", facts.name, facts.name);
+  return "<div id=tools hidden>\n<p class=chips><b>Family</b>" + families +
+         "</p>\n<p class=chips><b>Format</b>" + formats +
+         "</p>\n<p class=chips><label for=words><b>Find</b></label><input id=words type=search "
+         "placeholder=\"a function or a word\"><span id=shown aria-live=polite></span></p>\n"
+         "<p id=none hidden>Nothing has all of that. Choose another format or family.</p></div>\n";
+}
+
 // The scene's pictures, native and from Windows, and whether they are the same.
 std::string SceneSection(const std::string& native, const std::string& windows,
                          const std::string& output) {
@@ -291,6 +325,7 @@ void WriteGallery(const std::string& examples, const std::string& output, const 
       "<title>Pincel gallery</title>\n<style>\n" +
       text("/gallery.css") +
       "</style></head><body>\n<nav><a class=name href=\"#top\">Pincel</a>\n"
+      "<button type=button id=contents aria-expanded=false>Contents</button>\n"
       "<p class=size>Size<label><input type=radio name=size id=size1>1</label>"
       "<label><input type=radio name=size checked>2</label>"
       "<label><input type=radio name=size id=size3>3</label></p>\n"
@@ -300,11 +335,13 @@ void WriteGallery(const std::string& examples, const std::string& output, const 
       "<p class=lead>Every operation of the library in every pixel format: what goes in, the call, "
       "what comes out. " +
       std::to_string(Operations().size()) + " entries, " + std::to_string(pictures) +
-      " pictures, drawn by the library from real image files when this page was made.</p>\n" +
-      SceneSection(native, windows, output) + FormatsTable() + body +
+      " pictures, drawn by the library from real image files when this page was made. Hover over a "
+      "result, or tap it, to see what was there before.</p>\n" +
+      Tools() + SceneSection(native, windows, output) + FormatsTable() + body +
       "</section>\n<footer>Pictures: examples/assets/SOURCES.md. Irregular behaviours, all of "
       "them: "
-      "docs/irregular-behaviour.md.</footer>\n</main></body></html>\n";
+      "docs/irregular-behaviour.md.</footer>\n</main>\n<script>\n" +
+      text("/gallery.js") + "</script></body></html>\n";
   WriteFile(output + "/index.html", page.data(), page.size());
 }
 
