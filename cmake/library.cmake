@@ -21,6 +21,9 @@ target_include_directories(pincel_objects SYSTEM PRIVATE
   $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>
   $<TARGET_PROPERTY:libjpeg-turbo::jpeg-static,INTERFACE_INCLUDE_DIRECTORIES>)
 target_compile_definitions(pincel_objects PRIVATE HWY_STATIC_DEFINE)
+if(PINCEL_ABI_INFO)
+  target_compile_options(pincel_objects PRIVATE -g)
+endif()
 
 include(exports)
 add_library(pincel SHARED $<TARGET_OBJECTS:pincel_objects>)
