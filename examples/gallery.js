@@ -62,11 +62,12 @@
 
   // --- Before and after: a result shows what it was made of while the pointer is on it, or from one
   // tap or key to the next.
+  const sizeOf = img => `${img.getAttribute('width')} x ${img.getAttribute('height')}`;
   for (const card of cards) {
     const before = one('.inputs img', card);
     if (!before) continue;
     for (const after of all('figure:not(.inputs figure) img', card)) {
-      if (after.width !== before.width || after.height !== before.height) continue;
+      if (sizeOf(after) !== sizeOf(before)) continue;
       const figure = after.closest('figure');
       const source = after.src;
       const show = isBefore => {

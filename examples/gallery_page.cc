@@ -99,13 +99,15 @@ Snippet SnippetOf(const std::string& source, const std::string& title) {
   return snippet;
 }
 
-// The format that a result belongs to: the one its caption begins with, else the picture's own.
+// The format that a result belongs to: the one its caption begins with, else the picture's own. Alpha
+// is shown as a grey picture, which says nothing about the format that it comes from.
 std::string FormatOf(const Shown& shown) {
   const std::string first_word = shown.caption.substr(0, shown.caption.find_first_of(" ,:"));
   for (const FormatFacts& facts : kFormats) {
     if (first_word == facts.name) return facts.name;
   }
-  return shown.picture ? FactsOf(shown.picture->format()).name : "";
+  if (!shown.picture || shown.caption.find("alpha") != std::string::npos) return "";
+  return FactsOf(shown.picture->format()).name;
 }
 
 std::string FigureOf(const Shown& shown, bool is_result) {
