@@ -33,16 +33,6 @@ class NearestSteps {
   double last_, position_ = 0;
 };
 
-// Every source position twice, from half a position on.
-class DoublingSteps {
- public:
-  explicit DoublingSteps(int64_t skipped) : halves_(skipped) {}
-  int32_t Next() { return int32_t(halves_++ / 2); }
-
- private:
-  int64_t halves_;
-};
-
 // Source positions between pixels, in 16.16 fixed point.
 class FixedSteps {
  public:
@@ -82,13 +72,13 @@ class Memory {
 };
 
 // Copies single pixels from where the steps lead. `dst` and `src` are the top-left pixels.
-template <class Format, class Steps>
-void CopySteps(const Rows& rows, Steps x_steps, Steps y_steps, const uint8_t* src,
-               ptrdiff_t src_pitch, int32_t src_width, bool keep_fourth_byte) {
+template <class Format>
+void CopySteps(const Rows& rows, NearestSteps x_steps, NearestSteps y_steps, const uint8_t* src,
+               ptrdiff_t src_pitch, int32_t src_width) {
   for (size_t left = 0; left < rows.width; left += kTileColumns) {
     TileColumns columns{std::min(kTileColumns, rows.width - left), src_width - 1, {}};
     for (size_t x = 0; x < columns.width; ++x) columns.at[x] = x_steps.Next();
-    Steps tile_y_steps = y_steps;
+    NearestSteps tile_y_steps = y_steps;
     for (size_t top = 0; top < rows.height; top += kTileRows) {
       CopiedRow copied[kTileRows];
       const size_t height = std::min(kTileRows, rows.height - top);
@@ -96,7 +86,7 @@ void CopySteps(const Rows& rows, Steps x_steps, Steps y_steps, const uint8_t* sr
         copied[y] = {rows.dst + ptrdiff_t(top + y) * rows.dst_pitch + left * Format::kBytes,
                      src + ptrdiff_t{tile_y_steps.Next()} * src_pitch};
       }
-      CopyColumns(Format::kBytes, keep_fourth_byte, columns, copied, height);
+      CopyColumns(Format::kBytes, columns, copied, height);
     }
   }
 }
@@ -136,8 +126,7 @@ void StretchNearest(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc
                     const CRectangulo& from) {
   CopySteps<Format>(RowsOf<Format>(dst, to), NearestSteps(WidthOf(from), WidthOf(to)),
                     NearestSteps(HeightOf(from), HeightOf(to)),
-                    PixelAt<Format>(src, from.left, from.top), src.pitch, WidthOf(from),
-                    kKeepsFourthByte<Format>);
+                    PixelAt<Format>(src, from.left, from.top), src.pitch, WidthOf(from));
 }
 
 // The right and lower neighbours of the rectangle's last column and row are those outside it, and
@@ -313,9 +302,10 @@ bool DrawDouble(TSurfDesc& dst, TSurfDesc& src, CPunto at) {
     if (right <= area.left || bottom <= area.top) return false;
     area.right = int32_t(right);
     area.bottom = int32_t(bottom);
-    CopySteps<Format>(RowsOf<Format>(dst, area), DoublingSteps(int64_t{area.left} - at.x),
-                      DoublingSteps(int64_t{area.top} - at.y), src.pixels, src.pitch, src.width,
-                      /*keep_fourth_byte=*/false);
+    const int64_t left_out = int64_t{area.left} - at.x, top_out = int64_t{area.top} - at.y;
+    const CPunto first{int32_t(left_out / 2), int32_t(top_out / 2)};
+    DoublePixels(Format::kBytes, RowsOf<Format, Format>(dst, area, src, first), left_out % 2 != 0,
+                 top_out % 2 != 0);
     return false;  // always. Intended.
   });
 }

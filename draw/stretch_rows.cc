@@ -4,7 +4,6 @@
 #include <type_traits>
 
 #include "draw/stretch_pixel.h"
-#include "surface/rows.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "draw/stretch_rows.cc"
@@ -133,7 +132,7 @@ HWY_INLINE hn::VFromD<D> Pick(D d, const uint8_t* src, hn::VFromD<D> place) {
   }
 }
 
-template <size_t vectors_each, bool keep_fourth_byte, class Windows>
+template <class Format, size_t vectors_each, class Windows>
 HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
@@ -146,7 +145,7 @@ HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_
       auto bytes = Pick<vectors_each>(d, row->src + windows.at[v],
                                       hn::Load(d, windows.place + v * kVectorBytes));
       uint8_t* const dst = row->dst + windows.first[v];
-      if constexpr (keep_fourth_byte) {
+      if constexpr (kKeepsFourthByte<Format>) {
         bytes = hn::BitwiseIfThenElse(colour, bytes, hn::LoadU(d, dst));
       }
       hn::StoreU(bytes, d, dst);
@@ -156,17 +155,17 @@ HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_
 
 #endif  // HWY_TARGET != HWY_SCALAR
 
-template <class Format, bool keep_fourth_byte>
+template <class Format>
 HWY_INLINE void CopyColumnsOf(const TileColumns& columns, const CopiedRow* rows, size_t height) {
   if constexpr (kHaveByteShuffle) {
     Windows<size_t(Format::kBytes)> windows;
     if (FindPixels<Format::kBytes>(windows, columns)) {
-      if (windows.vectors_each == 1) return CopyWindows<1, keep_fourth_byte>(windows, rows, height);
-      if (windows.vectors_each == 2) return CopyWindows<2, keep_fourth_byte>(windows, rows, height);
-      return CopyWindows<4, keep_fourth_byte>(windows, rows, height);
+      if (windows.vectors_each == 1) return CopyWindows<Format, 1>(windows, rows, height);
+      if (windows.vectors_each == 2) return CopyWindows<Format, 2>(windows, rows, height);
+      return CopyWindows<Format, 4>(windows, rows, height);
     }
   }
-  using Copied = std::conditional_t<keep_fourth_byte, Rgb888, Format>;
+  using Copied = std::conditional_t<kKeepsFourthByte<Format>, Rgb888, Format>;
   for (const CopiedRow* row = rows; row != rows + height; ++row) {
     for (size_t x = 0; x < columns.width; ++x) {
       Copied::Store(row->dst + x * Format::kBytes,
@@ -175,18 +174,126 @@ HWY_INLINE void CopyColumnsOf(const TileColumns& columns, const CopiedRow* rows,
   }
 }
 
-void CopyColumns(int pixel_bytes, bool keep_fourth_byte, const TileColumns& columns,
-                 const CopiedRow* rows, size_t height) {
+void CopyColumns(int pixel_bytes, const TileColumns& columns, const CopiedRow* rows,
+                 size_t height) {
   switch (pixel_bytes) {
     case 1:
-      return CopyColumnsOf<Indexed8, false>(columns, rows, height);
+      return CopyColumnsOf<Indexed8>(columns, rows, height);
     case 2:
-      return CopyColumnsOf<Any16, false>(columns, rows, height);
+      return CopyColumnsOf<Any16>(columns, rows, height);
     case 3:
-      return CopyColumnsOf<Rgb888, false>(columns, rows, height);
+      return CopyColumnsOf<Rgb888>(columns, rows, height);
     default:
-      return keep_fourth_byte ? CopyColumnsOf<Argb8888, true>(columns, rows, height)
-                              : CopyColumnsOf<Argb8888, false>(columns, rows, height);
+      return CopyColumnsOf<Argb8888>(columns, rows, height);
+  }
+}
+
+// Doubling. Both rows are stored from the same registers: the second lies `to_second` bytes behind the
+// first, 0 when there is only one.
+template <class Format>
+struct PixelDoubler {
+  using Tag =
+      std::conditional_t<Format::kBytes == 4, hn::ScalableTag<uint32_t>, hn::ScalableTag<uint8_t>>;
+  static constexpr size_t kSrcBytes = Format::kBytes, kDstBytes = 2 * kSrcBytes;
+  static constexpr bool kVectorWins = Format::kBytes == 4 || kHaveByteShuffle;
+  ptrdiff_t to_second;
+
+  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const {
+    HalfPixel(dst, src);
+    HalfPixel(dst + Format::kBytes, src);
+  }
+  HWY_INLINE void HalfPixel(uint8_t* dst, const uint8_t* src) const {
+    const auto pixel = Format::Load(src);
+    Format::Store(dst, pixel);
+    Format::Store(dst + to_second, pixel);
+  }
+
+#if HWY_TARGET != HWY_SCALAR
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
+    if constexpr (Format::kBytes == 4) {
+      const auto pixels = LoadPixels(d, src);
+      StoreTwice<0>(d, dst, hn::InterleaveWholeLower(d, pixels, pixels));
+      StoreTwice<1>(d, dst, hn::InterleaveWholeUpper(d, pixels, pixels));
+    } else {
+      StoreTwice<0>(d, dst, Doubled<0>(d, src));
+      StoreTwice<1>(d, dst, Doubled<1>(d, src));
+      StoreTwice<2>(d, dst, Doubled<2>(d, src));
+      StoreTwice<3>(d, dst, Doubled<3>(d, src));
+      StoreTwice<4>(d, dst, Doubled<4>(d, src));
+      StoreTwice<5>(d, dst, Doubled<5>(d, src));
+    }
+  }
+
+ private:
+  template <size_t index, class D>
+  HWY_INLINE void StoreTwice(D d, uint8_t* dst, hn::VFromD<D> v) const {
+    constexpr size_t kLanes = hn::MaxLanes(D());
+    auto* const first = reinterpret_cast<hn::TFromD<D>*>(dst) + index * kLanes;
+    auto* const second = reinterpret_cast<hn::TFromD<D>*>(dst + to_second) + index * kLanes;
+    hn::StoreU(v, d, first);
+    hn::StoreU(v, d, second);
+  }
+
+  // The source byte of a byte of a doubled row of triples, and where to start loading `size` bytes
+  // for those from `byte` on, in a run of `src_size` bytes.
+  static constexpr size_t SourceOf(size_t byte) { return byte / 6 * 3 + byte % 3; }
+  static constexpr size_t LoadAt(size_t byte, size_t size, size_t src_size) {
+    return HWY_MIN(byte / 6 * 3, src_size - size);
+  }
+
+  // For each block of 16 bytes of a doubled row, from `byte` on, the 16 that hold its source.
+  template <size_t byte, size_t src_size, class D>
+  static HWY_INLINE hn::VFromD<D> LoadBlocks(D d, const uint8_t* src) {
+    constexpr size_t kSize = hn::MaxLanes(D());
+    if constexpr (kSize == 16) {
+      return hn::LoadU(d, src + LoadAt(byte, 16, src_size));
+    } else {
+      const hn::Half<D> half;
+      return hn::Combine(d, LoadBlocks<byte + kSize / 2, src_size>(half, src),
+                         LoadBlocks<byte, src_size>(half, src));
+    }
+  }
+
+  // One of the six vectors that a group of triples fills when doubled.
+  template <size_t sixth, class D>
+  static HWY_INLINE hn::VFromD<D> Doubled(D d, const uint8_t* src) {
+    constexpr size_t kSize = hn::MaxLanes(D()), kFirst = sixth * kSize, kSrcSize = 3 * kSize;
+    if constexpr (kHaveByteTables && kSize > 16) {
+      constexpr size_t kAt = LoadAt(kFirst, kSize, kSrcSize);
+      static constexpr auto kFrom =
+          MakeTable<uint8_t, kSize>([](size_t i) { return SourceOf(kFirst + i) - kAt; });
+      return hn::TableLookupLanes(hn::LoadU(d, src + kAt), hn::SetTableIndices(d, kFrom.at));
+    } else {
+      static constexpr auto kFrom = MakeTable<uint8_t, kSize>([](size_t i) {
+        return SourceOf(kFirst + i) - LoadAt(kFirst + i / 16 * 16, 16, kSrcSize);
+      });
+      return hn::TableLookupBytes(LoadBlocks<kFirst, kSrcSize>(d, src), hn::Load(d, kFrom.at));
+    }
+  }
+#endif
+};
+
+template <class Format>
+HWY_INLINE void DoublePixelsOf(const SourceRows& rows, bool half_column, bool half_row) {
+  const typename PixelDoubler<Format>::Tag d;
+  const uint8_t* src = rows.src;
+  for (size_t y = 0; y < rows.height; src += rows.src_pitch) {
+    const bool single = half_row && y == 0;
+    const PixelDoubler<Format> doubler{single ? 0 : rows.dst_pitch};
+    uint8_t* const dst = rows.dst + ptrdiff_t(y) * rows.dst_pitch;
+    if (half_column) doubler.HalfPixel(dst, src);
+    const size_t done = half_column ? Format::kBytes : 0;
+    RepeatableRow(d, doubler, dst + done, src + done, rows.width / 2);
+    y += single ? 1 : 2;
+  }
+}
+
+void DoublePixels(int pixel_bytes, const SourceRows& rows, bool half_column, bool half_row) {
+  if (pixel_bytes == 3) {
+    DoublePixelsOf<Rgb888>(rows, half_column, half_row);
+  } else {
+    DoublePixelsOf<Argb8888>(rows, half_column, half_row);
   }
 }
 
@@ -440,12 +547,16 @@ HWY_AFTER_NAMESPACE();
 namespace pincel {
 
 HWY_EXPORT(CopyColumns);
+HWY_EXPORT(DoublePixels);
 HWY_EXPORT(MixColumns);
 HWY_EXPORT(AverageBlocks);
 
-void CopyColumns(int pixel_bytes, bool keep_fourth_byte, const TileColumns& columns,
-                 const CopiedRow* rows, size_t height) {
-  HWY_DYNAMIC_DISPATCH(CopyColumns)(pixel_bytes, keep_fourth_byte, columns, rows, height);
+void CopyColumns(int pixel_bytes, const TileColumns& columns, const CopiedRow* rows,
+                 size_t height) {
+  HWY_DYNAMIC_DISPATCH(CopyColumns)(pixel_bytes, columns, rows, height);
+}
+void DoublePixels(int pixel_bytes, const SourceRows& rows, bool half_column, bool half_row) {
+  HWY_DYNAMIC_DISPATCH(DoublePixels)(pixel_bytes, rows, half_column, half_row);
 }
 void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, const MixedRow* rows,
                 size_t height) {

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "surface/rows.h"
+
 namespace pincel {
 
 constexpr size_t kTileColumns = 1024, kTileRows = 256;
@@ -17,13 +19,17 @@ struct TileColumns {
   int32_t at[kTileColumns];
 };
 
-// Single pixels, copied. At 4 bytes per pixel the fourth one can be left as it is.
+// Single pixels, copied. Of 4 bytes per pixel the fourth one is left as it is.
 struct CopiedRow {
   uint8_t* dst;
   const uint8_t* src;
 };
-void CopyColumns(int pixel_bytes, bool keep_fourth_byte, const TileColumns& columns,
-                 const CopiedRow* rows, size_t height);
+void CopyColumns(int pixel_bytes, const TileColumns& columns, const CopiedRow* rows, size_t height);
+
+// Every pixel as a square of four, except that the left half of the first column and the upper half
+// of the first row can be missing. Otherwise widths and heights, of the destination, are even.
+// `pixel_bytes` is 3 or 4.
+void DoublePixels(int pixel_bytes, const SourceRows& rows, bool half_column, bool half_row);
 
 // Four neighbours, mixed into three bytes.
 struct MixedColumns : TileColumns {
