@@ -56,8 +56,16 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${papers_dir} COMPONENT documentation)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${papers_dir} COMPONENT documentation
   FILES_MATCHING PATTERN *.md PATTERN *.png)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/manual DESTINATION ${papers_dir} COMPONENT documentation
-  OPTIONAL)
+# Cross builds cannot run what writes the manual, so they take the one of the native build.
+if(CMAKE_CROSSCOMPILING)
+  set(manual_dir ${PROJECT_SOURCE_DIR}/build/release/manual)
+else()
+  set(manual_dir ${PROJECT_BINARY_DIR}/manual)
+endif()
+set(PINCEL_MANUAL ${manual_dir} CACHE PATH "The built manual, which is installed if it is there")
+mark_as_advanced(PINCEL_MANUAL)
+install(DIRECTORY ${PINCEL_MANUAL}/ DESTINATION ${papers_dir}/manual
+  COMPONENT documentation OPTIONAL)
 
 # Debian's packages have these texts in their copyright files instead.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${licence_dir} COMPONENT licences)
