@@ -100,7 +100,8 @@ struct Line {
 Line AnyLine(Random& random, int format) {
   Line line{};
   line.dst = AnyPicture(random, format, random.Between(1, 6));
-  line.mask = AnyPicture(random, random.OneIn(2) ? 8 : 32, random.Between(1, 6));
+  const int mask_height = random.Between(1, 6), mask_depth = random.OneIn(2) ? 8 : 32;
+  line.mask = AnyPicture(random, mask_depth, mask_height);
   line.rect = {random.Between(-3, 3), random.Between(-3, 3), line.dst.width, 6};
   line.at = {random.Between(-4, 4), line.rect.top < 0 ? line.rect.top : random.Between(-1, 1)};
   line.colour = random.Next();

@@ -100,7 +100,8 @@ void TurnCase(Random& random, int format, Results& results) {
 }
 
 void ReversedCase(Random& random, int format, Results& results) {
-  Picture dst = AnyPicture(random, format, AnyWidth(random), random.Between(1, 5));
+  const int height = random.Between(1, 5), width = AnyWidth(random);
+  Picture dst = AnyPicture(random, format, width, height);
   const int room = dst.pitch * dst.height / dst.BytesPerPixel() + 2;
   Picture src = AnyPicture(random, format, room, 1);
   src.origin = src.Index(room - 1, 0);
@@ -125,7 +126,8 @@ void ShiftCase(Random& random, int format, Results& results) {
 }
 
 void FactorCase(Random& random, int format, Results& results) {
-  Picture p = AnyPicture(random, format, AnyWidth(random), random.Between(1, 9));
+  const int height = random.Between(1, 9), width = AnyWidth(random);
+  Picture p = AnyPicture(random, format, width, height);
   TSurfDesc surface = Describe(p);
   const bool result = DoFactor(surface, static_cast<unsigned short>(random.Below(257)));
   Add(results, p, result);
