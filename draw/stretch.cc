@@ -203,11 +203,14 @@ void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   if (dst_width == 0 || dst_height == 0) return;
   const uint32_t x_step = (uint32_t{src_width} << 16) / dst_width;
   const uint32_t y_step = (uint32_t{src_height} << 16) / dst_height;
-  Blocks blocks;
+  Blocks blocks{};
   blocks.count = dst_width;
   blocks.least = x_step >> 16;
   blocks.columns = dst_width * x_step >> 16;
-  for (uint32_t x = 0; x < dst_width; ++x) blocks.widths[x] = BlockSize(x_step, x);
+  for (uint32_t x = 0; x < dst_width; ++x) {
+    blocks.widths[x] = BlockSize(x_step, x);
+    std::fill_n(blocks.wider + 4 * x, 4, blocks.widths[x] > blocks.least ? 0xFFFF : 0);
+  }
 
   const Memory dst_memory(dst), src_memory(src);
   const size_t dst_bytes = size_t{dst_width} * Format::kBytes;

@@ -55,26 +55,31 @@ inline void InterpolateNeighbours(uint8_t* dst, const uint8_t* top_left, const u
 }
 
 // The average of a block of `pixels` pixels (1 to 65025) from a channel's sum. Sums have 16 bits and
-// a sign: 32768 and more wrap. Intended.
-class WrappingAverage {
- public:
-  explicit constexpr WrappingAverage(uint32_t pixels)
-      : bias_((kHalf + pixels - 1) / pixels),
-        offset_(bias_ * pixels),
-        inverse_(kOne / pixels + 1) {}
+// a sign: 32768 and more wrap. Intended. All steps stay within 16 bits without a sign.
+struct WrappingAverage {
+  uint16_t pixels, inverse;
+  uint16_t once, twice;  // remainders above these are one and two whole pixels more
+  uint16_t bias;         // at least 32768 / pixels, so that nothing divided is negative
 
-  // floor(sum / pixels) modulo 256, by a multiplication that is exact below 2^17.
+  explicit constexpr WrappingAverage(uint32_t n)
+      : pixels(uint16_t(n)),
+        inverse(AtMost16Bits(65536 / n)),
+        once(uint16_t(n - 1 - Offset(n))),
+        twice(AtMost16Bits(2 * n - 1 - Offset(n))),
+        bias(uint16_t(Bias(n))) {}
+
+  // floor(sum / pixels) modulo 256. The product by the inverse is at most one too small.
   constexpr uint8_t operator()(uint16_t sum) const {
-    const uint64_t positive = uint32_t(int16_t(sum)) + offset_;
-    return uint8_t((positive * inverse_ >> kShift) - bias_);
+    const uint32_t positive = sum ^ 0x8000u;
+    const uint32_t quotient = positive * inverse >> 16;
+    const uint32_t rest = positive - quotient * pixels;
+    return uint8_t(quotient + (rest > once) + (rest > twice) - bias);
   }
 
  private:
-  static constexpr uint32_t kHalf = 32768;
-  static constexpr int kShift = 40;
-  static constexpr uint64_t kOne = uint64_t{1} << kShift;
-  uint32_t bias_, offset_;  // multiples of the divisor, so that nothing divided is negative
-  uint64_t inverse_;
+  static constexpr uint32_t Bias(uint32_t n) { return (32768 + n - 1) / n; }
+  static constexpr uint32_t Offset(uint32_t n) { return Bias(n) * n - 32768; }
+  static constexpr uint16_t AtMost16Bits(uint32_t n) { return uint16_t(n < 65535 ? n : 65535); }
 };
 
 static_assert(WrappingAverage(4)(1020) == 255 && WrappingAverage(3)(0) == 0);

@@ -505,29 +505,85 @@ HWY_INLINE void SumRows(D d, const AveragedRow& row, size_t from, size_t size, u
   if constexpr (kLanes > 1) SumRows(hn::Half<D>(), row, from, size, sums);
 }
 
+// WrappingAverage of a vector of sums.
+template <class D, class V = hn::VFromD<D>>
+HWY_INLINE V Average(D d, V sums, V pixels, V inverse, V once, V twice, V bias) {
+  const V positive = hn::Xor(sums, hn::Set(d, 0x8000));
+  const V quotient = hn::MulHigh(positive, inverse);
+  const V rest = hn::Sub(positive, hn::Mul(quotient, pixels));
+  const V more = hn::Add(hn::VecFromMask(d, hn::Gt(rest, once)),  // -1 where it is
+                         hn::VecFromMask(d, hn::Gt(rest, twice)));
+  return hn::Sub(hn::Sub(quotient, more), bias);
+}
+
+// Four lanes for each pixel, the last of no meaning. Blocks have `least` columns or one more.
+inline constexpr size_t kQuadLanes = 4 * 256;
+
+template <class Format>
+HWY_INLINE void SumBlocks(const Blocks& blocks, const uint16_t* column, uint16_t* sums) {
+  const hn::CappedTag<uint16_t, 4> d;
+  for (size_t x = 0; x < blocks.count; ++x) {
+    const uint16_t* const begin = column;
+    column += blocks.widths[x] * size_t(Format::kBytes);
+    auto sum = hn::And(hn::LoadU(d, begin + blocks.least * size_t(Format::kBytes)),
+                       hn::LoadU(d, blocks.wider + 4 * x));
+    for (const uint16_t* p = begin; p != begin + blocks.least * size_t(Format::kBytes);
+         p += Format::kBytes) {
+      sum = hn::Add(sum, hn::LoadU(d, p));
+    }
+    hn::StoreU(sum, d, sums + 4 * x);
+  }
+}
+
+HWY_INLINE void AverageSums(const Blocks& blocks, const WrappingAverage& narrow,
+                            const WrappingAverage& wide, uint16_t* sums) {
+  const hn::ScalableTag<uint16_t> d;
+  for (size_t i = 0; i < 4 * blocks.count; i += hn::Lanes(d)) {
+    const auto wider = hn::MaskFromVec(hn::LoadU(d, blocks.wider + i));
+    const auto pick = [&](uint16_t WrappingAverage::*member) HWY_ATTR {
+      return hn::IfThenElse(wider, hn::Set(d, wide.*member), hn::Set(d, narrow.*member));
+    };
+    const auto average = Average(d, hn::LoadU(d, sums + i), pick(&WrappingAverage::pixels),
+                                 pick(&WrappingAverage::inverse), pick(&WrappingAverage::once),
+                                 pick(&WrappingAverage::twice), pick(&WrappingAverage::bias));
+    hn::StoreU(average, d, sums + i);
+  }
+}
+
 template <class Format>
 HWY_INLINE void AverageBlocksOf(const Blocks& blocks, const AveragedRow& row) {
-  // Columns first. Sums wrap, in whatever order they are made.
-  uint16_t columns[(255 + 1) * Format::kBytes];
-  SumRows(hn::ScalableTag<uint16_t>(), row, 0, blocks.columns * Format::kBytes, columns);
+  // Columns first. Sums wrap, in whatever order they are made. The last block looks beyond its end.
+  uint16_t columns[(255 + 2) * 4];
+  const size_t end = blocks.columns * Format::kBytes;
+  SumRows(hn::ScalableTag<uint16_t>(), row, 0, end, columns);
 
-  const WrappingAverage averages[] = {WrappingAverage(HWY_MAX(blocks.least, 1u) * row.height),
-                                      WrappingAverage((blocks.least + 1) * row.height)};
-  const uint16_t* column = columns;
+  const WrappingAverage narrow(HWY_MAX(blocks.least, 1u) * row.height);
+  const WrappingAverage wide((blocks.least + 1) * row.height);
   uint8_t* dst = row.dst;
+  if constexpr (kHaveVectors) {
+    if (blocks.least != 0) {
+      std::fill_n(columns + end, 2 * 4, uint16_t{0});
+      const hn::ScalableTag<uint16_t> d;
+      uint16_t sums[kQuadLanes + hn::MaxLanes(d)];
+      SumBlocks<Format>(blocks, columns, sums);
+      hn::StoreU(hn::Zero(d), d, sums + 4 * blocks.count);  // the rest of the last vector
+      AverageSums(blocks, narrow, wide, sums);
+      for (size_t x = 0; x < blocks.count; ++x, dst += Format::kBytes) {
+        for (size_t i = 0; i < 3; ++i) dst[i] = uint8_t(sums[4 * x + i]);
+      }
+      return;
+    }
+  }
+  const uint16_t* column = columns;
   for (size_t x = 0; x < blocks.count; ++x, dst += Format::kBytes) {
     uint32_t width = blocks.widths[x];
     if (width == 0) continue;
-    const WrappingAverage& average = averages[width - blocks.least];
-    uint32_t blue = 0, green = 0, red = 0;
+    const WrappingAverage& average = width > blocks.least ? wide : narrow;
+    uint32_t sums[3] = {};
     for (; width != 0; --width, column += Format::kBytes) {
-      blue += column[0];
-      green += column[1];
-      red += column[2];
+      for (size_t i = 0; i < 3; ++i) sums[i] += column[i];
     }
-    dst[0] = average(uint16_t(blue));
-    dst[1] = average(uint16_t(green));
-    dst[2] = average(uint16_t(red));
+    for (size_t i = 0; i < 3; ++i) dst[i] = average(uint16_t(sums[i]));
   }
 }
 

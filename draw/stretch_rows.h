@@ -51,10 +51,11 @@ void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, con
 
 // One destination row from the averages of blocks of pixels.
 struct Blocks {
-  size_t count;         // at most 255
-  uint32_t least;       // the smallest of the widths; the others are the same or one more
-  size_t columns;       // all source columns together, at most 255
-  uint8_t widths[255];  // how many source columns fall on each pixel
+  size_t count;             // at most 255
+  uint32_t least;           // the smallest of the widths; the others are the same or one more
+  size_t columns;           // all source columns together, at most 255
+  uint8_t widths[255];      // how many source columns fall on each pixel
+  uint16_t wider[4 * 256];  // ~0 four times for each pixel with more than `least`, 0 for the others
 };
 struct AveragedRow {
   uint8_t* dst;
