@@ -579,11 +579,15 @@ HWY_INLINE void AverageBlocksOf(const Blocks& blocks, const AveragedRow& row) {
     uint32_t width = blocks.widths[x];
     if (width == 0) continue;
     const WrappingAverage& average = width > blocks.least ? wide : narrow;
-    uint32_t sums[3] = {};
+    uint32_t blue = 0, green = 0, red = 0;
     for (; width != 0; --width, column += Format::kBytes) {
-      for (size_t i = 0; i < 3; ++i) sums[i] += column[i];
+      blue += column[0];
+      green += column[1];
+      red += column[2];
     }
-    for (size_t i = 0; i < 3; ++i) dst[i] = average(uint16_t(sums[i]));
+    dst[0] = average(uint16_t(blue));
+    dst[1] = average(uint16_t(green));
+    dst[2] = average(uint16_t(red));
   }
 }
 
