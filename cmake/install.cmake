@@ -1,5 +1,5 @@
-# What cmake --install puts in place: header, both libraries, CMake package, pkg-config file, programs
-# to copy, papers. The components are the packages that packages.cmake makes on Debian.
+# What cmake --install puts in place: header, libraries, CMake package, pkg-config file, programs to
+# copy, papers. The components are the packages that packages.cmake makes on Debian.
 include(CMakePackageConfigHelpers)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)

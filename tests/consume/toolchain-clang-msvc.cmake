@@ -1,4 +1,4 @@
-# Clang for MSVC hosts without Microsoft's headers and libraries: what links against them is left out.
+# Clang for MSVC hosts, without Microsoft's headers and libraries and what would need them.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86)
 set(CMAKE_CXX_COMPILER clang++)
