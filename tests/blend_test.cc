@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -16,6 +14,7 @@
 #include "tests/support/cases.h"
 #include "tests/support/checksum.h"
 #include "tests/support/compare.h"
+#include "tests/support/golden.h"
 #include "tests/support/pictures.h"
 #include "tests/support/random.h"
 #include "tests/support/targets.h"
@@ -547,43 +546,23 @@ TEST(Blend, SurfaceOnItself) {
 // intended change, PINCEL_CHECKSUMS_OUT=<file> in the environment makes a run of BlendChecksums.*
 // append the new lines of blend.inc to that file.
 
-struct Golden {
-  const char* operation;
-  uint32_t crc[7];  // by format of the destination
-};
-constexpr Golden kGolden[] = {
+constexpr support::Golden kGolden[] = {
 #include "tests/checksums/blend.inc"
 };
 
 template <class MakeCase>
 void Check(const char* operation, MakeCase make, bool (Case::*call)(TSurfDesc&)) {
-  const Golden* golden = nullptr;
-  for (const Golden& g : kGolden) {
-    if (std::strcmp(g.operation, operation) == 0) golden = &g;
-  }
-  std::string line;
-  support::ForEachTarget([&] {
-    std::vector<uint32_t> sums;
-    for (int format : model::kFormats) {
-      uint32_t sum = 0;
-      for (int seed = 0; seed < 300; ++seed) {
-        Random random{uint64_t(seed)};
-        Case c = make(random, format, seed);
-        TSurfDesc d = model::Describe(c.dst);
-        const bool result = (c.*call)(d);
-        sum = support::Crc32({uint8_t(result)}, support::Crc32(c.dst.bytes, sum));
-      }
-      sums.push_back(sum);
+  support::CheckGolden(kGolden, operation, [&](int format) {
+    uint32_t sum = 0;
+    for (int seed = 0; seed < 300; ++seed) {
+      Random random{uint64_t(seed)};
+      Case c = make(random, format, seed);
+      TSurfDesc d = model::Describe(c.dst);
+      const bool result = (c.*call)(d);
+      sum = support::Crc32({uint8_t(result)}, support::Crc32(c.dst.bytes, sum));
     }
-    line = support::ChecksumLine(operation, sums);
-    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc)) << line;
+    return sum;
   });
-  if (const char* out = std::getenv("PINCEL_CHECKSUMS_OUT")) {
-    if (std::FILE* file = std::fopen(out, "a")) {
-      std::fprintf(file, "%s\n", line.c_str());
-      std::fclose(file);
-    }
-  }
 }
 
 TEST(BlendChecksums, Sources) { Check("BlendSources", AnyCheckedCase, &Case::Source); }

@@ -3,17 +3,11 @@
 // a run of all tests here append the new lines of convert_draw.inc to that file.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 #include <vector>
 
 #include "include/pincel.h"
-#include "tests/support/checksum.h"
+#include "tests/support/golden.h"
 #include "tests/support/random.h"
-#include "tests/support/targets.h"
 
 namespace {
 
@@ -21,11 +15,7 @@ using model::Describe;
 using model::Picture;
 using support::Random;
 
-struct Golden {
-  const char* operation;
-  uint32_t crc[7];  // by format of the destination
-};
-constexpr Golden kGolden[] = {
+constexpr support::Golden kGolden[] = {
 #include "tests/checksums/convert_draw.inc"
 };
 
@@ -208,30 +198,14 @@ void PaletteCase(Random& random, int, Results& results) {
 }
 
 void Check(const char* operation, Case body) {
-  const Golden* golden = nullptr;
-  for (const Golden& g : kGolden) {
-    if (std::strcmp(g.operation, operation) == 0) golden = &g;
-  }
-  std::string line;
-  support::ForEachTarget([&] {
-    std::vector<uint32_t> sums;
-    for (int format : model::kFormats) {
-      Results results;
-      for (uint64_t seed = 0; seed < 50; ++seed) {
-        Random random(seed);
-        body(random, format, results);
-      }
-      sums.push_back(results.Sum());
+  support::CheckGolden(kGolden, operation, [&](int format) {
+    Results results;
+    for (uint64_t seed = 0; seed < 50; ++seed) {
+      Random random(seed);
+      body(random, format, results);
     }
-    line = support::ChecksumLine(operation, sums);
-    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc)) << line;
+    return results.Sum();
   });
-  if (const char* out = std::getenv("PINCEL_CHECKSUMS_OUT")) {
-    if (std::FILE* file = std::fopen(out, "a")) {
-      std::fprintf(file, "%s\n", line.c_str());
-      std::fclose(file);
-    }
-  }
 }
 
 TEST(ConvertDrawChecksums, Palettes) { Check("Palettes", PaletteCase); }

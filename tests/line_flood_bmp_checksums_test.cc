@@ -2,15 +2,12 @@
 // give these bytes.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
 #include <vector>
 
 #include "include/pincel.h"
 #include "tests/support/bmp_writer.h"
-#include "tests/support/checksum.h"
+#include "tests/support/golden.h"
 #include "tests/support/random.h"
-#include "tests/support/targets.h"
 
 namespace {
 
@@ -18,11 +15,7 @@ using model::Describe;
 using model::Picture;
 using support::Random;
 
-struct Golden {
-  const char* operation;
-  uint32_t crc[7];  // by format
-};
-constexpr Golden kGolden[] = {
+constexpr support::Golden kGolden[] = {
 #include "tests/checksums/line_flood_bmp.inc"
 };
 
@@ -99,22 +92,13 @@ void BmpCase(Random& random, int format, std::vector<uint8_t>& results) {
 }
 
 void Check(const char* operation, Body body) {
-  const Golden* golden = nullptr;
-  for (const Golden& g : kGolden) {
-    if (g.operation == std::string(operation)) golden = &g;
-  }
-  support::ForEachTarget([&] {
-    std::vector<uint32_t> sums;
-    for (int format : model::kFormats) {
-      std::vector<uint8_t> results;
-      for (uint64_t seed = 0; seed < 40; ++seed) {
-        Random random(seed);
-        body(random, format, results);
-      }
-      sums.push_back(support::Crc32(results));
+  support::CheckGolden(kGolden, operation, [&](int format) {
+    std::vector<uint8_t> results;
+    for (uint64_t seed = 0; seed < 40; ++seed) {
+      Random random(seed);
+      body(random, format, results);
     }
-    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc))
-        << support::ChecksumLine(operation, sums);
+    return support::Crc32(results);
   });
 }
 

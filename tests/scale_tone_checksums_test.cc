@@ -3,16 +3,11 @@
 // lines of scale_tone.inc with those that the failing tests print.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 #include <vector>
 
 #include "include/pincel.h"
-#include "tests/support/checksum.h"
+#include "tests/support/golden.h"
 #include "tests/support/random.h"
-#include "tests/support/targets.h"
 
 namespace {
 
@@ -20,11 +15,7 @@ using model::Describe;
 using model::Picture;
 using support::Random;
 
-struct Golden {
-  const char* operation;
-  uint32_t crc[7];  // by format of the destination, of masks and shadows by that of the source
-};
-constexpr Golden kGolden[] = {
+constexpr support::Golden kGolden[] = {
 #include "tests/checksums/scale_tone.inc"
 };
 
@@ -173,22 +164,13 @@ void ShadowCase(Random& random, int format, Results& results) {
 }
 
 void Check(const char* operation, Case body) {
-  const Golden* golden = nullptr;
-  for (const Golden& g : kGolden) {
-    if (std::strcmp(g.operation, operation) == 0) golden = &g;
-  }
-  support::ForEachTarget([&] {
-    std::vector<uint32_t> sums;
-    for (int format : model::kFormats) {
-      Results results;
-      for (uint64_t seed = 0; seed < 50; ++seed) {
-        Random random(seed);
-        body(random, format, results);
-      }
-      sums.push_back(support::Crc32(results));
+  support::CheckGolden(kGolden, operation, [&](int format) {
+    Results results;
+    for (uint64_t seed = 0; seed < 50; ++seed) {
+      Random random(seed);
+      body(random, format, results);
     }
-    EXPECT_TRUE(golden != nullptr && std::equal(sums.begin(), sums.end(), golden->crc))
-        << support::ChecksumLine(operation, sums);
+    return support::Crc32(results);
   });
 }
 

@@ -1,0 +1,51 @@
+// Committed checksums: every compiler, platform and instruction set must come to the same ones.
+#ifndef TESTS_SUPPORT_GOLDEN_H_
+#define TESTS_SUPPORT_GOLDEN_H_
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "tests/model/picture.h"
+#include "tests/support/checksum.h"
+#include "tests/support/targets.h"
+
+namespace support {
+
+struct Golden {
+  const char* operation;
+  uint32_t crc[7];  // by format of the destination
+};
+
+// Compares `sum(format)` with the line of an operation. PINCEL_CHECKSUMS_OUT names a file to which the
+// line found is added.
+template <size_t lines, class Sum>
+void CheckGolden(const Golden (&table)[lines], const char* operation, Sum&& sum) {
+  const Golden* const golden = std::find_if(table, table + lines, [&](const Golden& g) {
+    return std::strcmp(g.operation, operation) == 0;
+  });
+  std::string line;
+  ForEachTarget([&] {
+    std::vector<uint32_t> sums;
+    for (int format : model::kFormats) sums.push_back(sum(format));
+    line = ChecksumLine(operation, sums);
+    EXPECT_TRUE(golden != table + lines && std::equal(sums.begin(), sums.end(), golden->crc))
+        << line;
+  });
+  if (const char* out = std::getenv("PINCEL_CHECKSUMS_OUT")) {
+    if (std::FILE* file = std::fopen(out, "a")) {
+      std::fprintf(file, "%s\n", line.c_str());
+      std::fclose(file);
+    }
+  }
+}
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_GOLDEN_H_
