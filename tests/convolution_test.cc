@@ -249,6 +249,7 @@ TEST(Convolution, TheImageIsOneRunOfBytes) {
   EXPECT_EQ(Convolved(image, {{INT_MIN, 1}, {INT_MAX, 10}}), Words(6, 61));
   image.width = 2;
   EXPECT_EQ(Convolved(image, {{-3, 1}}), (Words{1, 1, 3, 4}));
+  EXPECT_EQ(Convolved(image, {{9, 1}}), (Words{4, 5, 6, 6}));
 }
 
 TEST(Convolution, TapsNeedNoWholePixels) {

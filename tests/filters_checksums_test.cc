@@ -14,19 +14,11 @@ namespace {
 using model::Describe;
 using model::Picture;
 using support::Random;
+using Results = support::CaseResults;
 
 constexpr support::Golden kGolden[] = {
 #include "tests/checksums/filters.inc"
 };
-
-// The bytes that the cases leave in memory, one after the other.
-using Results = std::vector<uint8_t>;
-using Case = void (*)(Random& random, int format, Results& results);
-
-void Add(Results& results, const Picture& p, bool result) {
-  results.insert(results.end(), p.bytes.begin(), p.bytes.end());
-  results.push_back(uint8_t(result));
-}
 
 Picture AnyPicture(Random& random, int format, int height) {
   support::PictureOptions options;
@@ -53,8 +45,8 @@ void TapsCase(Random& random, int format, Results& results) {
   const int bias = random.Between(-50, 200);
   TSurfDesc i = Describe(image), s = Describe(scratch);
   const bool result = DoConvolucion(i, s, count, weights.data(), offsets.data(), divisor, bias);
-  Add(results, image, result);
-  Add(results, scratch, result);
+  results.Add(image, result);
+  results.Add(scratch, result);
 }
 
 void FixedFilterCase(Random& random, int format, Results& results) {
@@ -63,8 +55,8 @@ void FixedFilterCase(Random& random, int format, Results& results) {
   TSurfDesc i = Describe(image), s = Describe(scratch);
   for (auto filter : {DoSuavizado, DoEmboss, DoRealce}) {
     const bool result = filter(i, s);
-    Add(results, image, result);
-    Add(results, scratch, result);
+    results.Add(image, result);
+    results.Add(scratch, result);
   }
 }
 
@@ -75,7 +67,7 @@ void KernelCase(Random& random, int format, Results& results) {
     Picture filtered = image;
     TSurfDesc i = Describe(filtered), s = Describe(scratch);
     const bool result = FiltroMask(i, s, number);
-    Add(results, filtered, result);
+    results.Add(filtered, result);
   }
 }
 
@@ -100,27 +92,26 @@ Line AnyLine(Random& random, int format) {
   return line;
 }
 
-void MotionBlurCase(Random& random, int format, Results& results) {
+void LineCase(decltype(&FiltroMotionBlur) blur, Random& random, int format, Results& results) {
   Line line = AnyLine(random, format);
   TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
-  const bool result =
-      FiltroMotionBlur(d, m, line.rect, line.at, line.colour, line.length, line.angle);
-  Add(results, line.dst, result);
+  const bool result = blur(d, m, line.rect, line.at, line.colour, line.length, line.angle);
+  results.Add(line.dst, result);
+}
+
+void MotionBlurCase(Random& random, int format, Results& results) {
+  LineCase(FiltroMotionBlur, random, format, results);
 }
 
 void GlowBlurCase(Random& random, int format, Results& results) {
-  Line line = AnyLine(random, format);
-  TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
-  const bool result =
-      FiltroBrilloBlur(d, m, line.rect, line.at, line.colour, line.length, line.angle);
-  Add(results, line.dst, result);
+  LineCase(FiltroBrilloBlur, random, format, results);
 }
 
 void MotionMaskCase(Random& random, int format, Results& results) {
   Line line = AnyLine(random, format);
   TSurfDesc d = Describe(line.dst), m = Describe(line.mask);
   const bool result = FiltroMotionMask(d, m, line.rect, line.at, random.Below(600));
-  Add(results, line.dst, result);
+  results.Add(line.dst, result);
 }
 
 void AntiAliasCase(Random& random, int format, Results& results) {
@@ -129,7 +120,7 @@ void AntiAliasCase(Random& random, int format, Results& results) {
     Picture softened = image;
     TSurfDesc d = Describe(softened), other{};
     const bool result = soften(d, {}, other, 256);
-    Add(results, softened, result);
+    results.Add(softened, result);
   }
 }
 
@@ -139,18 +130,11 @@ void EdgeCodesCase(Random& random, int format, Results& results) {
   TSurfDesc d = Describe(image);
   const bool result =
       DoAntiAliasBMP(d, static_cast<unsigned short>(random.OneIn(2) ? 256 : random.Below(400)));
-  Add(results, image, result);
+  results.Add(image, result);
 }
 
-void Check(const char* operation, Case body) {
-  support::CheckGolden(kGolden, operation, [&](int format) {
-    Results results;
-    for (uint64_t seed = 0; seed < 50; ++seed) {
-      Random random(seed);
-      body(random, format, results);
-    }
-    return support::Crc32(results);
-  });
+void Check(const char* operation, void (*body)(Random&, int format, Results&)) {
+  support::CheckGoldenCases(kGolden, operation, body);
 }
 
 TEST(FilterChecksums, Taps) { Check("DoConvolucion", TapsCase); }

@@ -14,19 +14,11 @@ namespace {
 using model::Describe;
 using model::Picture;
 using support::Random;
+using Results = support::CaseResults;
 
 constexpr support::Golden kGolden[] = {
 #include "tests/checksums/scale_tone.inc"
 };
-
-// The bytes that a case leaves in memory and what it returns, appended case by case.
-using Results = std::vector<uint8_t>;
-using Case = void (*)(Random& random, int format, Results& results);
-
-void Add(Results& results, const Picture& p, bool result) {
-  results.insert(results.end(), p.bytes.begin(), p.bytes.end());
-  results.push_back(result ? 1 : 0);
-}
 
 int AnyWidth(Random& random) { return support::WidthOf(random.Below(support::kWidths)); }
 
@@ -46,10 +38,10 @@ void StretchCase(Random& random, int format, Results& results) {
   TSurfDesc d = Describe(dst), s = Describe(src);
   for (bool smooth : {false, true}) {
     const bool result = BltStrech(d, to, s, from, smooth);
-    Add(results, dst, result);
+    results.Add(dst, result);
   }
   const bool result = DrawStretch(d, {0, 0, width, height}, s, {0, 0, src_width, src_height});
-  Add(results, dst, result);
+  results.Add(dst, result);
 }
 
 void InProportionCase(Random& random, int format, Results& results) {
@@ -63,7 +55,7 @@ void InProportionCase(Random& random, int format, Results& results) {
     TSurfDesc s = Describe(*src);
     const bool result =
         StretchBitmap(d, to, s, {0, 0, src->width, src->height}, format, true, false);
-    Add(results, dst, result);
+    results.Add(dst, result);
   }
 }
 
@@ -73,7 +65,7 @@ void DoubleCase(Random& random, int format, Results& results) {
   const int x = random.Between(-9, 9), y = random.Between(-5, 5);
   TSurfDesc d = Describe(dst), s = Describe(src);
   const bool result = DrawDouble(d, s, {x, y});
-  Add(results, dst, result);
+  results.Add(dst, result);
 }
 
 void TurnCase(Random& random, int format, Results& results) {
@@ -84,10 +76,10 @@ void TurnCase(Random& random, int format, Results& results) {
     Picture dst = AnyPicture(random, format, mode & 1 ? height : width, mode & 1 ? width : height);
     TSurfDesc d = Describe(dst);
     const bool result = CreateRotated(d, s, mode);
-    Add(results, dst, result);
+    results.Add(dst, result);
   }
   const bool result = FlipX(s);
-  Add(results, src, result);
+  results.Add(src, result);
 }
 
 void ReversedCase(Random& random, int format, Results& results) {
@@ -100,7 +92,7 @@ void ReversedCase(Random& random, int format, Results& results) {
   const int mode = random.OneIn(2) ? 2 : 6;
   TSurfDesc d = Describe(dst), s = Describe(src);
   const bool result = CreateRotated(d, s, mode);
-  Add(results, dst, result);
+  results.Add(dst, result);
 }
 
 void ShiftCase(Random& random, int format, Results& results) {
@@ -112,7 +104,7 @@ void ShiftCase(Random& random, int format, Results& results) {
     const CRectangulo rect = support::RandomRect(random, p.width, p.height);
     const float amount = float(random.Below(1025)) / 1024;
     const bool result = TranslateRect(surface, rect, amount, table);
-    Add(results, p, result);
+    results.Add(p, result);
   }
 }
 
@@ -121,7 +113,7 @@ void FactorCase(Random& random, int format, Results& results) {
   Picture p = AnyPicture(random, format, width, height);
   TSurfDesc surface = Describe(p);
   const bool result = DoFactor(surface, static_cast<unsigned short>(random.Below(257)));
-  Add(results, p, result);
+  results.Add(p, result);
 }
 
 void GradientCase(Random& random, int format, Results& results) {
@@ -129,7 +121,7 @@ void GradientCase(Random& random, int format, Results& results) {
   const unsigned long from = random.Next(), to = random.Next();
   TSurfDesc surface = Describe(p);
   const bool result = DoGradient(surface, from, to);
-  Add(results, p, result);
+  results.Add(p, result);
 }
 
 void MaskCase(Random& random, int format, Results& results) {
@@ -142,7 +134,7 @@ void MaskCase(Random& random, int format, Results& results) {
   const int level = random.OneIn(2) ? 256 : random.Below(256);
   TSurfDesc m = Describe(mask), s = Describe(src);
   const bool result = CreateMask(m, s, static_cast<unsigned short>(level));
-  Add(results, mask, result);
+  results.Add(mask, result);
 }
 
 void ShadowCase(Random& random, int format, Results& results) {
@@ -157,21 +149,14 @@ void ShadowCase(Random& random, int format, Results& results) {
   const auto factor = static_cast<unsigned short>(random.OneIn(2) ? 256 : random.Below(256));
   TSurfDesc s = Describe(src), d = Describe(shadow), e = Describe(words);
   bool result = CreateShadow(d, s, decay, limit, factor);
-  Add(results, shadow, result);
+  results.Add(shadow, result);
   if (format != 32) return;
   result = CreateShadow(e, s, decay, limit, factor);
-  Add(results, words, result);
+  results.Add(words, result);
 }
 
-void Check(const char* operation, Case body) {
-  support::CheckGolden(kGolden, operation, [&](int format) {
-    Results results;
-    for (uint64_t seed = 0; seed < 50; ++seed) {
-      Random random(seed);
-      body(random, format, results);
-    }
-    return support::Crc32(results);
-  });
+void Check(const char* operation, void (*body)(Random&, int format, Results&)) {
+  support::CheckGoldenCases(kGolden, operation, body);
 }
 
 TEST(ScaleToneChecksums, Stretch) { Check("Stretch", StretchCase); }

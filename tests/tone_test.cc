@@ -110,6 +110,7 @@ TEST(DoFactor, UnsupportedDepthBelow256IsFalse) {
 TEST(DoFactor, FourthByteIsScaledByTheHeight) {
   EXPECT_EQ(Pixels(Darkened(Filled(32, 1, 128, 0x80FF4020), 0)), Words(128, 0x40000000));
   EXPECT_EQ(Pixels(Darkened(Filled(32, 1, 128, 0x80FF4020), 64)), Words(128, 0x403F1008));
+  EXPECT_EQ(Pixels(Darkened(Filled(32, 1, 256, 0xFFFFFFFF), 0)), Words(256, 0));
   EXPECT_EQ(Pixels(Darkened(Filled(32, 1, 256, 0xFFFFFFFF), 255)), Words(256, 0x00FEFEFE));
   EXPECT_EQ(Pixels(Darkened(Filled(32, 1, 257, 0xFFFFFFFF), 255)), Words(257, 0x00FEFEFE));
 }
@@ -313,6 +314,16 @@ TEST(CreateMask, MaskOf1555MakesTheSourcesFormatCount) {
   }
 }
 
+TEST(CreateMask, MaskOf1555ReadsSourcesOf8BitsTwoByTwo) {
+  // The test comes before that for 8 bits, and the row has room for two such pixels.
+  Picture src = PictureOf(8, 4, 1, {1, 0, 0, 1});
+  src.key = 0x0100;
+  Picture mask = Filled(18, 2, 1, 0x0909);
+  TSurfDesc m = Describe(mask), s = Describe(src);
+  EXPECT_TRUE(CreateMask(m, s, 256));
+  EXPECT_EQ(mask.bytes, (std::vector<uint8_t>{255, 0, 9, 9}));
+}
+
 TEST(CreateMask, UnsupportedSourceIsFalse) {
   for (uint32_t bpp : {0u, 4u, 15u, 48u}) {
     Picture mask = Filled(8, 2, 2, 9), src = Filled(32, 2, 2, 0x1234);
@@ -438,6 +449,12 @@ TEST(CreateShadow, DeepSourcesCountByTheirHighestChannel) {
   EXPECT_EQ(value(24, 0x102030), 0x30u);
   EXPECT_EQ(value(24, 0x304020), 0x40u);
   EXPECT_EQ(value(24, 0x506040), 0x60u);
+  // Fields are expanded to bytes with low bits of 0.
+  EXPECT_EQ(value(16, 0x1800 | 0x0120 | 5), 5u * 8);
+  EXPECT_EQ(value(16, 0x07E0), 63u * 4);
+  EXPECT_EQ(value(16, 0xB800), 23u * 8);
+  EXPECT_EQ(value(17, 0x8C00 | 2), 3u * 8) << "not the highest bit";
+  EXPECT_EQ(value(19, 0xF12E), 14u * 16) << "not the alpha bits";
   EXPECT_EQ(value(32, 0xFFFFFF12), 0x12u) << "the first byte alone";
 }
 
@@ -482,17 +499,21 @@ TEST(CreateShadow, ScaledWordsKeepTheirFourthByte) {
             (Words{0xAA604020, 0xAA604020, 0xAA604020, 0xAA7F7F7F}));
 }
 
+// Any decay, limit and factor, and often pictures in which shadows spread.
+void CompareShadows(Random& random, Picture shadow, Picture src) {
+  if (random.OneIn(2)) SetCoverage(random, src);
+  if (random.OneIn(2)) SetCoverage(random, shadow);
+  const int decay = random.OneIn(2) ? random.Below(12) : random.Below(256);
+  const int limit = random.OneIn(2) ? 255 : random.Below(256);
+  const int factor = random.OneIn(2) ? 256 : random.Below(700);
+  Shadowed(shadow, src, decay, limit, factor);
+}
+
 TEST(CreateShadow, AnyIndexedMaskMatchesModel) {
   support::ForEachCase(support::kWidths * 12, [](Random& random, int seed) {
     const int width = support::WidthOf(seed), height = random.Between(0, 9);
-    Picture src = WholeBuffer(random, 8, width, height);
-    Picture shadow = WholeBuffer(random, 8, width, height);
-    if (random.OneIn(2)) SetCoverage(random, src);
-    if (random.OneIn(2)) SetCoverage(random, shadow);
-    const int decay = random.OneIn(2) ? random.Below(12) : random.Below(256);
-    const int limit = random.OneIn(2) ? 255 : random.Below(256);
-    const int factor = random.OneIn(2) ? 256 : random.Below(700);
-    Shadowed(shadow, src, decay, limit, factor);
+    const Picture src = WholeBuffer(random, 8, width, height);
+    CompareShadows(random, WholeBuffer(random, 8, width, height), src);
   });
 }
 
@@ -500,15 +521,9 @@ TEST(CreateShadow, AnyDeepMaskMatchesModel) {
   static constexpr int kSources[] = {16, 17, 19, 24, 32};
   support::ForEachCase(5 * support::kWidths * 3, [](Random& random, int seed) {
     const int width = support::WidthOf(seed / 5), height = random.Between(0, 9);
-    Picture src = support::RandomPicture(random, kSources[seed % 5], width, height,
-                                         support::AnyOptions(random));
-    Picture shadow = WholeBuffer(random, 8, width, height);
-    if (random.OneIn(2)) SetCoverage(random, src);
-    if (random.OneIn(2)) SetCoverage(random, shadow);
-    const int decay = random.OneIn(2) ? random.Below(12) : random.Below(256);
-    const int limit = random.OneIn(2) ? 255 : random.Below(256);
-    const int factor = random.OneIn(2) ? 256 : random.Below(700);
-    Shadowed(shadow, src, decay, limit, factor);
+    const Picture src = support::RandomPicture(random, kSources[seed % 5], width, height,
+                                               support::AnyOptions(random));
+    CompareShadows(random, WholeBuffer(random, 8, width, height), src);
   });
 }
 
@@ -516,14 +531,8 @@ TEST(CreateShadow, AnyShadowOfWordsMatchesModel) {
   static constexpr int kSources[] = {32, 16, 32, 17, 32, 19, 32, 24};
   support::ForEachCase(support::kWidths * 8, [](Random& random, int seed) {
     const int width = support::WidthOf(seed / 8), height = random.Between(0, 9);
-    Picture src = WholeBuffer(random, kSources[seed % 8], width, height);
-    Picture shadow = WholeBuffer(random, 32, width, height);
-    if (random.OneIn(2)) SetCoverage(random, src);
-    if (random.OneIn(2)) SetCoverage(random, shadow);
-    const int decay = random.OneIn(2) ? random.Below(12) : random.Below(256);
-    const int limit = random.OneIn(2) ? 255 : random.Below(256);
-    const int factor = random.OneIn(2) ? 256 : random.Below(700);
-    Shadowed(shadow, src, decay, limit, factor);
+    const Picture src = WholeBuffer(random, kSources[seed % 8], width, height);
+    CompareShadows(random, WholeBuffer(random, 32, width, height), src);
   });
 }
 

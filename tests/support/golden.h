@@ -14,6 +14,7 @@
 
 #include "tests/model/picture.h"
 #include "tests/support/checksum.h"
+#include "tests/support/random.h"
 #include "tests/support/targets.h"
 
 namespace support {
@@ -44,6 +45,33 @@ void CheckGolden(const Golden (&table)[lines], const char* operation, Sum&& sum)
       std::fclose(file);
     }
   }
+}
+
+// What an operation's cases leave in memory and return, one after the other.
+class CaseResults {
+ public:
+  void Add(const model::Picture& p, bool result) {
+    bytes_.insert(bytes_.end(), p.bytes.begin(), p.bytes.end());
+    bytes_.push_back(result ? 1 : 0);
+  }
+  uint32_t Sum() const { return Crc32(bytes_); }
+
+ private:
+  std::vector<uint8_t> bytes_;
+};
+
+// Compares 50 random cases in every format.
+template <size_t lines>
+void CheckGoldenCases(const Golden (&table)[lines], const char* operation,
+                      void (*body)(Random& random, int format, CaseResults& results)) {
+  CheckGolden(table, operation, [&](int format) {
+    CaseResults results;
+    for (uint64_t seed = 0; seed < 50; ++seed) {
+      Random random(seed);
+      body(random, format, results);
+    }
+    return results.Sum();
+  });
 }
 
 }  // namespace support
