@@ -1,4 +1,4 @@
-// Plays an animated GIF file in an SDL2 window: gif_player animation.gif [frames]
+// Plays an animated GIF file in a window: gif_player animation.gif [frames]
 //
 // With a number of frames the picture then stands still. Escape ends the program.
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 #include "frame_time.h"
 #include "gif_animation.h"
-#include "sdl_window.h"
+#include "window.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
     // Small animations are shown larger, a pixel as a square.
     const int zoom = std::max(1, 256 / std::max(1, std::max(size.width, size.height)));
     const CRectangulo inside{0, 0, size.width * zoom, size.height * zoom};
-    SdlWindow window("Pincel", inside.right, inside.bottom, Format::k32);
+    Window window("Pincel", inside.right, inside.bottom, Format::k32);
 
     FrameTime time;
     bool playing = true;
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
       }
       window.Present();
       // Files that ask for no delay are shown at ten frames a second by all viewers.
-    } while (SdlWindow::WaitForKey(delay < 2 ? 100 : delay * 10) != SDLK_ESCAPE);
+    } while (window.WaitForKey(delay < 2 ? 100 : delay * 10) != kEscape);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "gif_player: %s\n", error.what());
     return 1;

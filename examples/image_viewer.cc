@@ -1,4 +1,4 @@
-// Shows a BMP, GIF or JPEG file in an SDL2 window: image_viewer picture [keys]
+// Shows a BMP, GIF or JPEG file in a window: image_viewer picture [keys]
 //
 // The keys that `keys` lists are pressed first. What they do stands in the table below; Escape ends
 // the program.
@@ -8,7 +8,7 @@
 
 #include "frame_time.h"
 #include "load_image.h"
-#include "sdl_window.h"
+#include "window.h"
 
 namespace {
 
@@ -89,12 +89,12 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    const HostSurface image = LoadImage(argv[1]);
+    const HostSurface image = LoadPicture(argv[1]);
     View view{image, image};
     for (const char* key = argc > 2 ? argv[2] : ""; *key != 0; ++key) Press(view, *key);
 
-    SdlWindow window(argv[1], kWidth, kHeight, Format::k32);
-    for (int key = 0; key != SDLK_ESCAPE; key = SdlWindow::WaitForKey(1000)) {
+    Window window(argv[1], kWidth, kHeight, Format::k32);
+    for (int key = 0; key != kEscape; key = window.WaitForKey(1000)) {
       FrameTime time;
       time.Measure([&] {
         Press(view, key);

@@ -9,7 +9,7 @@
 #include "gif_animation.h"
 
 // The file's first bytes decide, not its name. Damaged files show what could be read of them.
-inline HostSurface LoadImage(const std::string& path) {
+inline HostSurface LoadPicture(const std::string& path) {
   const File file = ReadFile(path);
   TSurfDesc size{};
   if (pincel_load_info_gif(size, file.data(), file.size()) == PINCEL_OK) {

@@ -1,4 +1,4 @@
-// Palette animation in an SDL2 window: palette_animation [frames]
+// Palette animation in a window: palette_animation [frames]
 //
 // A picture of 8 bits is drawn once; then only its colours move. With a number of frames they then
 // stand still. Escape ends the program.
@@ -11,7 +11,7 @@
 #include "frame_time.h"
 #include "host_surface.h"
 #include "lettering.h"
-#include "sdl_window.h"
+#include "window.h"
 
 namespace {
 
@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
     DrawRings(picture);
     Write(picture, {16, 214}, "PINCEL", 0xFFFFFF, 3);
 
-    SdlWindow window("Pincel", kWidth, kHeight, Format::k32);
+    Window window("Pincel", kWidth, kHeight, Format::k32);
     FrameTime time;
     int frame = 0;
     do {
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
         if (++frame % 20 == 0) window.SetTitle(time.Title("Pincel, palette"));
       }
       window.Present();
-    } while (SdlWindow::WaitForKey(20) != SDLK_ESCAPE);
+    } while (window.WaitForKey(20) != kEscape);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "palette_animation: %s\n", error.what());
     return 1;
