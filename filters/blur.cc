@@ -38,7 +38,8 @@ class Painting {
   size_t count_ = 0;
 };
 
-// Truncated toward zero; the nearest there is for what 32 bits do not hold.
+// Truncated toward zero, not rounded: 1.9999999 is 1. Intended. The nearest there is for what 32 bits
+// do not hold.
 int32_t Truncated(double value) {
   return int32_t(std::clamp(value, double{INT32_MIN}, double{INT32_MAX}));
 }
@@ -48,7 +49,7 @@ class Track {
  public:
   Track(CPunto at, float angle) : at_(at) {
     const double finite = std::isfinite(angle) ? double{angle} : 0.0;
-    // Single precision makes a quarter turn exact.
+    // Single precision makes the sine of a quarter turn 1, its cosine is a little less than 0.
     cosine_ = float(std::cos(finite));
     sine_ = float(std::sin(finite));
   }

@@ -144,7 +144,7 @@ HWY_NOINLINE void PaintRow(uint32_t colour, uint32_t step, uint8_t* dst, const u
 
 // 8 bits. The byte for row i of the area counts where it lies within row i of the mask, whatever
 // row it was meant to come from: a pass has the same columns in all rows, and most passes have
-// none. Intended.
+// none; no pass has any when the mask's rows go upwards. Intended.
 template <class Format>
 HWY_INLINE void PaintWithinRows(const Rows& area, uint32_t colour, const BlurMask& mask,
                                 std::span<const BlurPass> passes) {

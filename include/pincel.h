@@ -545,9 +545,10 @@ PINCEL_API bool DrawBlock(TSurfDesc& dst, TSurfDesc& src, unsigned short sx, uns
  * whole of the other: **a destination that is partly clipped shows a squeezed copy of the whole
  * source**, not a part of it. Intended; StretchBitmap keeps the proportions.
  *
- * *Nearest* takes source column trunc(i x (source width / destination width)), by repeated addition
- * of that step in single precision; rows alike. At 32 bits **three bytes are copied, the fourth is
- * kept**.
+ * *Nearest* takes source column trunc(i x step), where the step, source width / destination width, is
+ * **rounded to single precision** and added up in double precision; rows alike. A step rounded down
+ * may fall short of a column: six columns from ten are 0, 1, 3, 4, 6 and 8. At 32 bits **three bytes
+ * are copied, the fourth is kept**.
  *
  * *Smooth* (24 and 32 bits, others sample the nearest pixel) mixes four neighbours in 16.16 fixed
  * point. **The weights sum to a little less than one**: a white area comes out as 254. The right and
@@ -578,15 +579,15 @@ PINCEL_API bool DrawStretch(TSurfDesc& dst, CRectangulo const& dRect, TSurfDesc&
                             CRectangulo const& sRect, unsigned char* table);
 
 /** Enlarges or reduces true-colour pictures in proportion: when the destination is clipped, the
- * source shrinks along with it.
+ * source shrinks along with it, by whole pixels. The two rectangles that are left are compared.
  *
  * *Enlarging* (the source is smaller in both directions) interpolates in 16.16 fixed point; the last
  * source column and row are repeated. *Reducing* (larger in both) averages the block of source
  * pixels that falls on each pixel. **The sides of both rectangles count modulo 256 while reducing,
- * and a channel sum of 32768 or more wraps**: it is meant for rectangles of at most 255 pixels a
- * side and blocks of up to 128 bright pixels. Sides that are a multiple of 256 draw nothing, and
- * pixels on which no source pixel falls stay as they are. The fourth byte of a 32-bit destination is
- * kept.
+ * a channel sum of 32768 or more wraps, and the way from the end of a drawn row to the next one has
+ * 16 bits**: it is meant for rectangles of at most 255 pixels a side, blocks of up to 128 bright
+ * pixels and pitches below 32768. Sides that are a multiple of 256 draw nothing, and pixels on which
+ * no source pixel falls stay as they are. The fourth byte of a 32-bit destination is kept.
  * @param dst destination.
  * @param dRect area to fill; clipped.
  * @param src source of the destination's depth.
@@ -629,10 +630,10 @@ PINCEL_API bool FlipX(TSurfDesc& surf);
  *
  * **Mode 2 walks backwards from the source's first pixel, through the memory in front of it**: the
  * pixel at byte k of the destination becomes the one at byte -k, padding included, for all but the
- * last pixel of the destination (at 16 bits for that one, too). Give a source whose `pixels` is the last pixel of a block that is
- * as large as the destination. At 16 bits each store is a word of two pixels with its bytes
- * reversed, of which the next one covers the second half: pixels arrive with their two bytes
- * swapped. Intended.
+ * last pixel of the destination (at 16 bits for that one, too). Give a source whose `pixels` is the
+ * last pixel of a block that is as large as the destination. At 16 bits each store is a word of two
+ * pixels with its bytes reversed, of which the next one covers the second half: pixels arrive with
+ * their two bytes swapped. Intended.
  * @param dst destination, any format. Its whole size is filled.
  * @param src source of the destination's depth.
  * @param mode bits 0 to 2 as above; others are not significant.
@@ -1318,7 +1319,13 @@ PINCEL_API bool FiltroMask(TSurfDesc& image, TSurfDesc& scratch, int number);
  * Pixels outside the mask's memory count as 0. **In a mask of 8 bits, the byte that belongs to row i
  * of the painted area counts only where it lies within row i of the mask**: what a pass reads from
  * other rows is 0, so that passes above and below the centre paint next to nothing when the area
- * starts at the mask's first row. Intended.
+ * starts at the mask's first row; with rows upwards an 8-bit mask paints nothing at all. Intended.
+ *
+ * *Positions.* Position k, from half the length less 1 down to minus half the length, reads the mask
+ * from `at` + k x (cosine, sine) on, truncated toward zero; the point moves along when the rectangle
+ * is clipped. Sine and cosine are rounded to single precision, the rest is double precision. **A
+ * quarter turn is exact in its rows, but leans by a column where `at.x` is not 0**: its cosine is
+ * -4.4e-8.
  *
  * *Strength.* A mask byte m paints with a = (m x step / 256) mod 256: 0 leaves the pixel, 255 stores
  * the whole colour, others move each channel c of the colour towards the destination's d, to
@@ -1372,7 +1379,8 @@ PINCEL_API bool FiltroMotionMask(TSurfDesc& dst, TSurfDesc& mask, CRectangulo co
  * bits in the blue field). **Rows 2 to height - 3 are processed, and in each of them the pixels from
  * column 1 to one past the last column**, which is the first of the next row or lies in the padding.
  * Everything is read from a copy taken before. A processed pixel gets its value in the first byte
- * and 0 in the second and third; the fourth is kept, and so are the alpha bits of 16-bit pixels.
+ * and 0 in the second and third; the fourth is kept. At 16 bits green and red become 0, and alpha
+ * bits are kept.
  * When there is no memory for the copy, nothing is changed and the result is false.
  * @{ */
 
@@ -1432,6 +1440,9 @@ PINCEL_API bool DoGradient(TSurfDesc& image, unsigned long const& from, unsigned
  *
  * Pixels equal to the colour key are transparent (low 24 bits compared at 24 and 32 bits, 16 at 16, the
  * index at 8). **A source without a key compares with 0**: its black is transparent. Intended.
+ *
+ * **Whether the source is 1555 is asked of the mask**: a mask of that format is still filled with
+ * bytes, and then sources of 1555, 4444 and 8 bits are read as 1555. Intended.
  * @param mask 8-bit surface to fill; its size counts. Pixels that the source does not have are left.
  * @param src source of any format **but 1555**, at least as large.
  * @param level 256 writes 255; else its low byte is written.
@@ -1443,7 +1454,8 @@ PINCEL_API bool CreateMask(TSurfDesc& mask, TSurfDesc& src, unsigned short level
  * A value below 240 becomes the weighted mean of the shadow above, above left (twice) and to the left,
  * less `decay` and at most `limit`, if that is more than the mask's own value. Row 0 and the first pixel
  * of row 1 are left as they are; column 0 of the later rows is written. **The buffers are walked as one
- * run**: left of column 0 lies the end of the row above, and between two surfaces of 8 bits padding is walked, too. Intended.
+ * run**: left of column 0 lies the end of the row above, and between two surfaces of 8 bits padding is
+ * walked, too. Whether the source is 1555 is asked of the shadow, as in CreateMask. Intended.
  *
  * The mask is an 8-bit surface, the first byte of 32-bit pixels, or the highest channel, expanded to 8
  * bits, of 24- and 16-bit ones. An 8-bit mask needs an 8-bit shadow. **Any other mask takes a shadow that
