@@ -1442,7 +1442,7 @@ PINCEL_API bool DoGradient(TSurfDesc& image, unsigned long const& from, unsigned
  * index at 8). **A source without a key compares with 0**: its black is transparent. Intended.
  *
  * **Whether the source is 1555 is asked of the mask**: a mask of that format is still filled with
- * bytes, and then sources of 1555, 4444 and 8 bits are read as 1555. Intended.
+ * bytes, and then sources that are not of 565, 555, 24 or 32 bits are read as 1555. Intended.
  * @param mask 8-bit surface to fill; its size counts. Pixels that the source does not have are left.
  * @param src source of any format **but 1555**, at least as large.
  * @param level 256 writes 255; else its low byte is written.

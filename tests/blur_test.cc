@@ -328,6 +328,17 @@ TEST(MotionBlur, PointsAreTruncatedTowardZero) {
   EXPECT_EQ(Motion(dst, mask, {-1, 0}, 0x0000FF, 4, 0.5F).pixels, (Words{0, 0, 127, 191, 127, 0}));
 }
 
+TEST(MotionBlur, PositionsAreNotRoundedToSinglePrecision) {
+  // The cosine is 0.83333331, so that k = 6 is at 4.9999999, which single precision takes for 5; the
+  // sine is 0.5527708.
+  const Picture dst = Filled(24, 20, 20, 0);
+  Picture mask = Filled(32, 20, 20, 0);
+  mask.Put(10, 10, 255);
+  const Words seen = Motion(dst, mask, {0, 0}, 0x0000FF, 14, 0.585685551F).pixels;
+  EXPECT_NE(seen[20 * (10 - 3) + 10 - 4], 0u);
+  EXPECT_EQ(seen[20 * (10 - 3) + 10 - 5], 0u);
+}
+
 TEST(MotionBlur, AQuarterTurnFromAnotherColumnLeansByOne) {
   // The cosine of the nearest float is -4.4e-8: 2 and k times that is less than 2 for k = 1, while
   // nothing is lost beside 0.

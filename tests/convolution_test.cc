@@ -199,6 +199,12 @@ TEST(Convolution, PaddingOf16BitImagesIsFiltered) {
     EXPECT_EQ(image.Get(2, 0), image.Get(0, 0)) << format;
     EXPECT_EQ(image.Get(2, 1), image.Get(0, 0)) << format;
   }
+  // Also when there is nothing but padding.
+  Picture padding = Filled(16, 3, 1, 0), copy = padding;
+  padding.width = 0;
+  TSurfDesc p = Describe(padding), c = Describe(copy);
+  EXPECT_TRUE(Convolve(p, c, {}, 1, 1));
+  EXPECT_EQ(padding.bytes, Filled(16, 3, 1, 0x0841).bytes);
   for (int format : {24, 32}) {
     Picture image = Filled(format, 3, 2, 0x112233), scratch = image;
     image.width = 2;

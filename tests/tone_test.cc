@@ -316,12 +316,17 @@ TEST(CreateMask, MaskOf1555MakesTheSourcesFormatCount) {
 
 TEST(CreateMask, MaskOf1555ReadsSourcesOf8BitsTwoByTwo) {
   // The test comes before that for 8 bits, and the row has room for two such pixels.
-  Picture src = PictureOf(8, 4, 1, {1, 0, 0, 1});
-  src.key = 0x0100;
+  Picture src = PictureOf(8, 4, 1, {1, 1, 0, 0});
+  src.key = 0x0101;
   Picture mask = Filled(18, 2, 1, 0x0909);
   TSurfDesc m = Describe(mask), s = Describe(src);
   EXPECT_TRUE(CreateMask(m, s, 256));
-  EXPECT_EQ(mask.bytes, (std::vector<uint8_t>{255, 0, 9, 9}));
+  EXPECT_EQ(mask.bytes, (std::vector<uint8_t>{0, 255, 9, 9}));
+  // So are sources of a depth that there is not.
+  std::fill(mask.bytes.begin(), mask.bytes.end(), uint8_t{9});
+  s.bpp = 15;
+  EXPECT_TRUE(CreateMask(m, s, 256));
+  EXPECT_EQ(mask.bytes, (std::vector<uint8_t>{0, 255, 9, 9}));
 }
 
 TEST(CreateMask, UnsupportedSourceIsFalse) {
