@@ -189,11 +189,6 @@ void Enlarge(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
 // Sizes while reducing have 8 bits. Intended.
 using ReducedSize = uint8_t;
 
-// How many of the source pixels fall on destination pixel `i`, at a step in 16.16 fixed point.
-uint8_t BlockSize(uint32_t step, uint32_t i) {
-  return uint8_t(((i + 1) * step >> 16) - (i * step >> 16));
-}
-
 template <class Format>
 void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
             const CRectangulo& from) {
@@ -203,14 +198,10 @@ void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   if (dst_width == 0 || dst_height == 0) return;
   const uint32_t x_step = (uint32_t{src_width} << 16) / dst_width;
   const uint32_t y_step = (uint32_t{src_height} << 16) / dst_height;
-  Blocks blocks{};
+  Blocks blocks;
   blocks.count = dst_width;
   blocks.least = x_step >> 16;
-  blocks.columns = dst_width * x_step >> 16;
-  for (uint32_t x = 0; x < dst_width; ++x) {
-    blocks.widths[x] = BlockSize(x_step, x);
-    std::fill_n(blocks.wider + 4 * x, 4, blocks.widths[x] > blocks.least ? 0xFFFF : 0);
-  }
+  for (uint32_t x = 0; x <= dst_width; ++x) blocks.first[x] = uint8_t(x * x_step >> 16);
 
   const Memory dst_memory(dst), src_memory(src);
   const size_t dst_bytes = size_t{dst_width} * Format::kBytes;
@@ -218,18 +209,20 @@ void Reduce(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   // The way from a row's end to the next row has 16 bits. Intended.
   const ptrdiff_t to_next_row =
       ptrdiff_t(dst_bytes) + int16_t(uint32_t(dst.pitch) - uint32_t(dst_bytes));
-  AveragedRow row{PixelAt<Format>(dst, to.left, to.top), PixelAt<Format>(src, from.left, from.top),
-                  src.pitch, 0};
-  for (uint32_t y = 0; y < dst_height; ++y) {
-    row.height = BlockSize(y_step, y);
-    const uint8_t* const next = row.src + ptrdiff_t(row.height) * src.pitch;
-    if (row.height != 0 && dst_memory.Holds(row.dst, dst_bytes) &&
-        src_memory.Holds(row.src, src_bytes) && src_memory.Holds(next - src.pitch, src_bytes)) {
-      AverageBlocks(Format::kBytes, blocks, row);
+  AveragedRow rows[255];
+  size_t height = 0;
+  uint8_t* dst_row = PixelAt<Format>(dst, to.left, to.top);
+  const uint8_t* src_row = PixelAt<Format>(src, from.left, from.top);
+  for (uint32_t y = 0; y < dst_height; ++y, dst_row += to_next_row) {
+    const uint32_t block_height = ((y + 1) * y_step >> 16) - (y * y_step >> 16);
+    const uint8_t* const next = src_row + ptrdiff_t(block_height) * src.pitch;
+    if (block_height != 0 && dst_memory.Holds(dst_row, dst_bytes) &&
+        src_memory.Holds(src_row, src_bytes) && src_memory.Holds(next - src.pitch, src_bytes)) {
+      rows[height++] = {dst_row, src_row, block_height};
     }
-    row.dst += to_next_row;
-    row.src = next;
+    src_row = next;
   }
+  AverageBlocks(Format::kBytes, blocks, src.pitch, rows, height);
 }
 
 template <class Format>

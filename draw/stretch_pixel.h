@@ -2,6 +2,9 @@
 #ifndef DRAW_STRETCH_PIXEL_H_
 #define DRAW_STRETCH_PIXEL_H_
 
+#include <algorithm>
+#include <bit>
+
 #include "surface/pixel_format.h"
 
 namespace pincel {
@@ -54,35 +57,36 @@ inline void InterpolateNeighbours(uint8_t* dst, const uint8_t* top_left, const u
   }
 }
 
-// The average of a block of `pixels` pixels (1 to 65025) from a channel's sum. Sums have 16 bits and
-// a sign: 32768 and more wrap. Intended. All steps stay within 16 bits without a sign.
+// The averages of blocks of some number of pixels (1 to 65025) from a channel's sum. Sums have 16 bits
+// and a sign: 32768 and more wrap. Intended. All steps stay within 16 bits.
 struct WrappingAverage {
-  uint16_t pixels, inverse;
-  uint16_t once, twice;  // remainders above these are one and two whole pixels more
-  uint16_t bias;         // at least 32768 / pixels, so that nothing divided is negative
+  uint16_t scale, inverse;
+  int shift;
 
-  explicit constexpr WrappingAverage(uint32_t n)
-      : pixels(uint16_t(n)),
-        inverse(AtMost16Bits(65536 / n)),
-        once(uint16_t(n - 1 - Offset(n))),
-        twice(AtMost16Bits(2 * n - 1 - Offset(n))),
-        bias(uint16_t(Bias(n))) {}
+  // The shift that a number of pixels needs. One less will do too: what is divided has 15 bits.
+  static constexpr int ShiftFor(uint32_t pixels) {
+    return std::min(UpperLog(pixels), 15);  // more than 32768 pixels: 0 in any case
+  }
+  constexpr WrappingAverage(uint32_t pixels, int shift_used)
+      : scale(shift_used < UpperLog(pixels) ? 1 : 2),
+        inverse(
+            uint16_t(((uint32_t{0x10000} << shift_used) + scale * pixels - 1) / (scale * pixels))),
+        shift(shift_used) {}
+  explicit constexpr WrappingAverage(uint32_t pixels) : WrappingAverage(pixels, ShiftFor(pixels)) {}
 
-  // floor(sum / pixels) modulo 256. The product by the inverse is at most one too small.
+  // floor(sum / pixels) modulo 256. That of a negative sum is the inverted one of the inverted sum.
   constexpr uint8_t operator()(uint16_t sum) const {
-    const uint32_t positive = sum ^ 0x8000u;
-    const uint32_t quotient = positive * inverse >> 16;
-    const uint32_t rest = positive - quotient * pixels;
-    return uint8_t(quotient + (rest > once) + (rest > twice) - bias);
+    const uint16_t sign = sum < 0x8000 ? 0 : 0xFFFF;
+    const uint32_t scaled = uint32_t(sum ^ sign) * scale;
+    return uint8_t((scaled * inverse >> 16 >> shift) ^ sign);
   }
 
  private:
-  static constexpr uint32_t Bias(uint32_t n) { return (32768 + n - 1) / n; }
-  static constexpr uint32_t Offset(uint32_t n) { return Bias(n) * n - 32768; }
-  static constexpr uint16_t AtMost16Bits(uint32_t n) { return uint16_t(n < 65535 ? n : 65535); }
+  static constexpr int UpperLog(uint32_t n) { return int(std::bit_width(n - 1)); }
 };
 
 static_assert(WrappingAverage(4)(1020) == 255 && WrappingAverage(3)(0) == 0);
+static_assert(WrappingAverage(6, 2)(1529) == 254 && WrappingAverage(6, 3)(1529) == 254);
 static_assert(WrappingAverage(129)(129 * 255 & 0xFFFF) == 2);  // (32895 - 65536) / 129 = -253.03
 
 }  // namespace pincel

@@ -111,25 +111,37 @@ HWY_INLINE bool FindPairs(Windows<kPairBytes>& windows, const TileColumns& colum
 
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
-// The bytes at `place` in the window that starts at `src`. The windows inside a longer one look at
-// the low bits of the place.
-template <size_t vectors_each, bool inside = false, class D>
-HWY_INLINE hn::VFromD<D> Pick(D d, const uint8_t* src, hn::VFromD<D> place) {
-  constexpr size_t kSize = vectors_each * kVectorBytes;
+template <class D, size_t vectors>
+struct Window {
+  hn::VFromD<D> v[vectors];
+
+  HWY_INLINE Window(D d, const uint8_t* src) {
+    for (size_t i = 0; i < vectors; ++i) v[i] = hn::LoadU(d, src + i * kVectorBytes);
+  }
+};
+
+// The bytes at `place` in a window of `vectors`. The windows inside a longer one look at the low bits
+// of the place.
+template <size_t vectors, bool inside = false, class D>
+HWY_INLINE hn::VFromD<D> PickFrom(D d, const hn::VFromD<D>* window, hn::VFromD<D> place) {
+  constexpr size_t kSize = vectors * kVectorBytes;
   if constexpr (inside) place = hn::And(place, hn::Set(d, uint8_t(kSize - 1)));
-  if constexpr (kHaveByteTables && vectors_each == 1) {
-    return hn::TableLookupLanes(hn::LoadU(d, src), hn::IndicesFromVec(d, place));
-  } else if constexpr (kHaveByteTables && vectors_each == 2) {
-    return hn::TwoTablesLookupLanes(d, hn::LoadU(d, src), hn::LoadU(d, src + kVectorBytes),
-                                    hn::IndicesFromVec(d, place));
-  } else if constexpr (vectors_each == 1) {
-    return hn::TableLookupBytes(hn::LoadU(d, src), place);
+  if constexpr (kHaveByteTables && vectors == 1) {
+    return hn::TableLookupLanes(window[0], hn::IndicesFromVec(d, place));
+  } else if constexpr (kHaveByteTables && vectors == 2) {
+    return hn::TwoTablesLookupLanes(d, window[0], window[1], hn::IndicesFromVec(d, place));
+  } else if constexpr (vectors == 1) {
+    return hn::TableLookupBytes(window[0], place);
   } else {
     const auto half = hn::Set(d, uint8_t(kSize / 2));
-    const auto upper = hn::Eq(hn::And(place, half), half);
-    return hn::IfThenElse(upper, Pick<vectors_each / 2, true>(d, src + kSize / 2, place),
-                          Pick<vectors_each / 2, true>(d, src, place));
+    return hn::IfThenElse(hn::TestBit(place, half),
+                          PickFrom<vectors / 2, true>(d, window + vectors / 2, place),
+                          PickFrom<vectors / 2, true>(d, window, place));
   }
+}
+template <size_t vectors, class D>
+HWY_INLINE hn::VFromD<D> Pick(D d, const uint8_t* src, hn::VFromD<D> place) {
+  return PickFrom<vectors>(d, Window<D, vectors>(d, src).v, place);
 }
 
 template <class Format, size_t vectors_each, class Windows>
@@ -299,6 +311,23 @@ void DoublePixels(int pixel_bytes, const SourceRows& rows, bool half_column, boo
 
 #if HWY_TARGET != HWY_SCALAR
 
+// Stores the low three bytes of words as pixels.
+template <class Format, class D>
+HWY_INLINE void StoreColours(D d, hn::VFromD<D> words, uint8_t* dst) {
+  const WordTag<D> d32;
+  if constexpr (kKeepsFourthByte<Format>) {
+    const auto colour = hn::BitCast(d, hn::Set(d32, 0x00FFFFFF));
+    hn::StoreU(hn::BitwiseIfThenElse(colour, words, hn::LoadU(d, dst)), d, dst);
+  } else {
+    const hn::Half<D> half;
+    const hn::Half<decltype(half)> quarter;
+    const auto triples = GatherTriples(d, hn::BitCast(d32, words));
+    hn::StoreU(hn::LowerHalf(half, triples), half, dst);
+    hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, triples)), quarter,
+               dst + hn::MaxLanes(half));
+  }
+}
+
 // Mixing works on the pairs (left, right) of one channel as two half words. Weights are taken less
 // about half of their range, to fit into signed half words: what that takes away is a multiple of the
 // sum of the pixels.
@@ -414,19 +443,7 @@ HWY_INLINE void MixWindows(const Windows<kPairBytes>& windows, const MixedColumn
                        weights.template Mix<1>(d32, pairs(row->top, 1), pairs(row->bottom, 1)),
                        weights.template Mix<2>(d32, pairs(row->top, 2), pairs(row->bottom, 2)),
                        weights.template Mix<3>(d32, pairs(row->top, 3), pairs(row->bottom, 3)));
-      uint8_t* const dst = row->dst + x * Format::kBytes;
-      if constexpr (Format::kBytes == 4) {
-        const auto below = hn::BitCast(d32, hn::LoadU(d, dst));
-        const auto colour = hn::Set(d32, 0x00FFFFFF);
-        hn::StoreU(hn::BitCast(d, hn::BitwiseIfThenElse(colour, mixed, below)), d, dst);
-      } else {
-        const hn::Half<ByteTag> half;
-        const hn::Half<decltype(half)> quarter;
-        const auto triples = GatherTriples(d, mixed);
-        hn::StoreU(hn::LowerHalf(half, triples), half, dst);
-        hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, triples)), quarter,
-                   dst + hn::MaxLanes(half));
-      }
+      StoreColours<Format>(d, hn::BitCast(d, mixed), row->dst + x * Format::kBytes);
     }
   }
 }
@@ -489,113 +506,268 @@ void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, con
   }
 }
 
-// Sums of `height` rows, byte by byte, in 16 bits. A vector that is not full is done by smaller ones.
-template <class D>
-HWY_INLINE void SumRows(D d, const AveragedRow& row, size_t from, size_t size, uint16_t* sums) {
+// Blocks are summed in columns first: the rows of a row of blocks, byte by byte, in 16 bits. Sums wrap,
+// in whatever order they are made.
+struct ColumnSums {
+  // Pixels are read as four lanes, or in windows that may reach beyond the end.
+  alignas(64) uint16_t at[255 * 4 + 2 * 4 + 4 * kVectorBytes / 2];
+};
+
+template <size_t vectors, class D>
+HWY_INLINE void SumRowsAt(D d, const uint8_t* src, ptrdiff_t src_pitch, uint32_t height,
+                          uint16_t* sums) {
   constexpr size_t kLanes = hn::MaxLanes(D());
   const hn::Rebind<uint8_t, D> d8;
-  for (; from + kLanes <= size; from += kLanes) {
-    auto sum = hn::Zero(d);
-    const uint8_t* src = row.src + from;
-    for (uint32_t y = 0; y < row.height; ++y, src += row.src_pitch) {
-      sum = hn::Add(sum, hn::PromoteTo(d, hn::LoadU(d8, src)));
+  hn::VFromD<D> sum[vectors];
+  for (size_t i = 0; i < vectors; ++i) sum[i] = hn::PromoteTo(d, hn::LoadU(d8, src + i * kLanes));
+  for (uint32_t y = 1; y < height; ++y) {
+    src += src_pitch;
+    for (size_t i = 0; i < vectors; ++i) {
+      sum[i] = hn::Add(sum[i], hn::PromoteTo(d, hn::LoadU(d8, src + i * kLanes)));
     }
-    hn::StoreU(sum, d, sums + from);
   }
-  if constexpr (kLanes > 1) SumRows(hn::Half<D>(), row, from, size, sums);
+  for (size_t i = 0; i < vectors; ++i) hn::StoreU(sum[i], d, sums + i * kLanes);
 }
 
-// WrappingAverage of a vector of sums.
-template <class D, class V = hn::VFromD<D>>
-HWY_INLINE V Average(D d, V sums, V pixels, V inverse, V once, V twice, V bias) {
-  const V positive = hn::Xor(sums, hn::Set(d, 0x8000));
-  const V quotient = hn::MulHigh(positive, inverse);
-  const V rest = hn::Sub(positive, hn::Mul(quotient, pixels));
-  const V more = hn::Add(hn::VecFromMask(d, hn::Gt(rest, once)),  // -1 where it is
-                         hn::VecFromMask(d, hn::Gt(rest, twice)));
-  return hn::Sub(hn::Sub(quotient, more), bias);
+// `size` bytes of each row; the last vector overlaps the one before.
+template <class D>
+HWY_INLINE void SumRows(D d, const AveragedRow& row, ptrdiff_t src_pitch, size_t size,
+                        ColumnSums& sums) {
+  constexpr size_t kLanes = hn::MaxLanes(D()), kTimes = 4;
+  const auto sum = [&](auto vectors, size_t at) HWY_ATTR {
+    SumRowsAt<decltype(vectors)::value>(d, row.src + at, src_pitch, row.height, sums.at + at);
+  };
+  if (size >= kLanes) {
+    size_t at = 0;
+    for (; at + kTimes * kLanes <= size; at += kTimes * kLanes) {
+      sum(std::integral_constant<size_t, kTimes>(), at);
+    }
+    for (; at + kLanes <= size; at += kLanes) sum(std::integral_constant<size_t, 1>(), at);
+    if (at != size) sum(std::integral_constant<size_t, 1>(), size - kLanes);
+  } else if constexpr (kLanes > 1) {
+    SumRows(hn::Half<D>(), row, src_pitch, size, sums);
+  }
 }
 
-// Four lanes for each pixel, the last of no meaning. Blocks have `least` columns or one more.
-inline constexpr size_t kQuadLanes = 4 * 256;
+// What blocks of one height are divided by, for four lanes of each block.
+struct BlockAverages {
+  uint32_t height = 0;
+  int shift = 0;
+  alignas(64) uint16_t scale[4 * 255], inverse[4 * 255];
+  uint16_t wider[4 * 255];  // ~0 where blocks have more than the least number of columns
 
-template <class Format>
-HWY_INLINE void SumBlocks(const Blocks& blocks, const uint16_t* column, uint16_t* sums) {
+  void Set(const Blocks& blocks, uint32_t new_height) {
+    if (height == new_height) return;
+    height = new_height;
+    const WrappingAverage narrow(blocks.least * height);
+    const WrappingAverage wide((blocks.least + 1) * height, narrow.shift);
+    shift = narrow.shift;
+    for (size_t x = 0; x < blocks.count; ++x) {
+      const bool is_wide = blocks.first[x + 1] - blocks.first[x] > int(blocks.least);
+      const WrappingAverage& average = is_wide ? wide : narrow;
+      constexpr uint64_t kEveryLane = 0x0001000100010001;
+      StoreWord(reinterpret_cast<uint8_t*>(scale + 4 * x), average.scale * kEveryLane);
+      StoreWord(reinterpret_cast<uint8_t*>(inverse + 4 * x), average.inverse * kEveryLane);
+      StoreWord(reinterpret_cast<uint8_t*>(wider + 4 * x), is_wide * ~uint64_t{0});
+    }
+  }
+
+  // WrappingAverage of a vector of sums, from that of block `x` on.
+  template <class D, class V = hn::VFromD<D>>
+  HWY_INLINE V Average(D d, V sums, size_t x) const {
+    const hn::RebindToSigned<D> di;
+    const V sign = hn::BitCast(d, hn::BroadcastSignBit(hn::BitCast(di, sums)));
+    const V scaled = hn::Mul(hn::Xor(sums, sign), hn::LoadU(d, scale + 4 * x));
+    const V quotient = hn::MulHigh(scaled, hn::LoadU(d, inverse + 4 * x));
+    return hn::Xor(hn::ShiftRightSame(quotient, shift), sign);
+  }
+};
+
+// Sums of whole blocks, four lanes for each, the last of no meaning.
+struct BlockSums {
+  alignas(64) uint16_t at[4 * 255];
+};
+
+// Which columns each block is made of, by their lanes: `least` from the first on, and another one that
+// is zero in narrow blocks.
+struct BlockColumns {
+  uint16_t first[255], another[255];
+};
+
+// `least` 0: as many as there are.
+template <class Format, size_t least>
+HWY_INLINE void SumBlocks(const Blocks& blocks, const BlockColumns& places,
+                          const ColumnSums& columns, BlockSums& sums) {
   const hn::CappedTag<uint16_t, 4> d;
   for (size_t x = 0; x < blocks.count; ++x) {
-    const uint16_t* const begin = column;
-    column += blocks.widths[x] * size_t(Format::kBytes);
-    auto sum = hn::And(hn::LoadU(d, begin + blocks.least * size_t(Format::kBytes)),
-                       hn::LoadU(d, blocks.wider + 4 * x));
-    for (const uint16_t* p = begin; p != begin + blocks.least * size_t(Format::kBytes);
-         p += Format::kBytes) {
-      sum = hn::Add(sum, hn::LoadU(d, p));
+    const uint16_t* column = columns.at + places.first[x];
+    auto sum = hn::LoadU(d, columns.at + places.another[x]);
+    for (size_t i = least != 0 ? least : blocks.least; i != 0; --i, column += Format::kBytes) {
+      sum = hn::Add(sum, hn::LoadU(d, column));
     }
-    hn::StoreU(sum, d, sums + 4 * x);
+    hn::StoreU(sum, d, sums.at + 4 * x);
   }
 }
 
-HWY_INLINE void AverageSums(const Blocks& blocks, const WrappingAverage& narrow,
-                            const WrappingAverage& wide, uint16_t* sums) {
-  const hn::ScalableTag<uint16_t> d;
-  for (size_t i = 0; i < 4 * blocks.count; i += hn::Lanes(d)) {
-    const auto wider = hn::MaskFromVec(hn::LoadU(d, blocks.wider + i));
-    const auto pick = [&](uint16_t WrappingAverage::*member) HWY_ATTR {
-      return hn::IfThenElse(wider, hn::Set(d, wide.*member), hn::Set(d, narrow.*member));
-    };
-    const auto average = Average(d, hn::LoadU(d, sums + i), pick(&WrappingAverage::pixels),
-                                 pick(&WrappingAverage::inverse), pick(&WrappingAverage::once),
-                                 pick(&WrappingAverage::twice), pick(&WrappingAverage::bias));
-    hn::StoreU(average, d, sums + i);
+#if HWY_TARGET != HWY_SCALAR
+
+// As many pixels as vectors of words have lanes; the last vector overlaps the one before.
+template <class Format, class D>
+HWY_INLINE void StoreAverages(D d, const BlockAverages& averages, const BlockSums& sums,
+                              uint8_t* dst, size_t count) {
+  const WordTag<D> d32;
+  const HalfWordTag<D> d16;
+  constexpr size_t kPixels = hn::MaxLanes(d32);
+  if (count >= kPixels) {
+    for (size_t x = 0; x < count; x += kPixels) {
+      const size_t at = HWY_MIN(x, count - kPixels);
+      const auto average = [&](size_t from) HWY_ATTR {
+        return averages.Average(d16, hn::LoadU(d16, sums.at + 4 * from), from);
+      };
+      StoreColours<Format>(d, hn::OrderedTruncate2To(d, average(at), average(at + kPixels / 2)),
+                           dst + at * Format::kBytes);
+    }
+  } else if constexpr (CanHalve(D())) {
+    StoreAverages<Format>(hn::Half<D>(), averages, sums, dst, count);
   }
 }
+
+#endif  // HWY_TARGET != HWY_SCALAR
 
 template <class Format>
-HWY_INLINE void AverageBlocksOf(const Blocks& blocks, const AveragedRow& row) {
-  // Columns first. Sums wrap, in whatever order they are made. The last block looks beyond its end.
-  uint16_t columns[(255 + 2) * 4];
-  const size_t end = blocks.columns * Format::kBytes;
-  SumRows(hn::ScalableTag<uint16_t>(), row, 0, end, columns);
-
-  const WrappingAverage narrow(HWY_MAX(blocks.least, 1u) * row.height);
-  const WrappingAverage wide((blocks.least + 1) * row.height);
-  uint8_t* dst = row.dst;
-  if constexpr (kHaveVectors) {
-    if (blocks.least != 0) {
-      std::fill_n(columns + end, 2 * 4, uint16_t{0});
-      const hn::ScalableTag<uint16_t> d;
-      uint16_t sums[kQuadLanes + hn::MaxLanes(d)];
-      SumBlocks<Format>(blocks, columns, sums);
-      hn::StoreU(hn::Zero(d), d, sums + 4 * blocks.count);  // the rest of the last vector
-      AverageSums(blocks, narrow, wide, sums);
-      for (size_t x = 0; x < blocks.count; ++x, dst += Format::kBytes) {
-        for (size_t i = 0; i < 3; ++i) dst[i] = uint8_t(sums[4 * x + i]);
-      }
-      return;
-    }
-  }
-  const uint16_t* column = columns;
+HWY_INLINE void AverageColumns(const Blocks& blocks, uint32_t height, const ColumnSums& columns,
+                               uint8_t* dst) {
+  const WrappingAverage narrow(HWY_MAX(blocks.least, 1u) * height);
+  const WrappingAverage wide((blocks.least + 1) * height);
   for (size_t x = 0; x < blocks.count; ++x, dst += Format::kBytes) {
-    uint32_t width = blocks.widths[x];
-    if (width == 0) continue;
-    const WrappingAverage& average = width > blocks.least ? wide : narrow;
-    uint32_t blue = 0, green = 0, red = 0;
-    for (; width != 0; --width, column += Format::kBytes) {
-      blue += column[0];
-      green += column[1];
-      red += column[2];
+    const size_t first = blocks.first[x], end = blocks.first[x + 1];
+    if (first == end) continue;
+    const WrappingAverage& average = end - first > blocks.least ? wide : narrow;
+    uint32_t sums[3] = {};
+    for (size_t column = first; column != end; ++column) {
+      for (size_t i = 0; i < 3; ++i) sums[i] += columns.at[column * Format::kBytes + i];
     }
-    dst[0] = average(uint16_t(blue));
-    dst[1] = average(uint16_t(green));
-    dst[2] = average(uint16_t(red));
+    for (size_t i = 0; i < 3; ++i) dst[i] = average(uint16_t(sums[i]));
   }
 }
 
-void AverageBlocks(int pixel_bytes, const Blocks& blocks, const AveragedRow& row) {
+// Windows of the columns of blocks, by bytes of the block sums: places are those of the first columns.
+using BlockWindows = Windows<8>;
+
+template <class Format>
+HWY_INLINE bool FindBlocks(BlockWindows& windows, const Blocks& blocks) {
+  constexpr size_t kColumn = 2 * Format::kBytes;
+  const auto source = [&](size_t i) { return blocks.first[i / 8] * kColumn + i % 8; };
+  const auto find = [&](size_t boundary) {
+    return FindWindows(
+        windows, blocks.count * 8, kVectorBytes, sizeof(ColumnSums),
+        [&](size_t i) { return source(i) / boundary * boundary; },
+        [&](size_t i) { return source(i) + blocks.least * kColumn + 1; });
+  };
+  // Where they fit, windows that are loaded as they were stored.
+  if (!find(kVectorBytes) && !find(1)) return false;
+  constexpr uint64_t kEveryByte = 0x0101010101010101, kCount = 0x0706050403020100;
+  uint8_t* place = windows.place;
+  for (size_t v = 0; v < windows.count; ++v) {
+    for (size_t i = 0; i < kVectorBytes; i += 8, place += 8) {
+      const size_t first = source(windows.first[v] + i) - size_t(windows.at[v]);
+      StoreWord(place, first * kEveryByte + kCount);
+    }
+  }
+  return true;
+}
+
+#if HWY_TARGET != HWY_SCALAR
+
+template <class Format, size_t vectors_each>
+HWY_INLINE void AverageWindows(const BlockWindows& windows, const Blocks& blocks,
+                               const BlockAverages& averages, const ColumnSums& columns,
+                               uint8_t* dst) {
+  const ByteTag d;
+  const HalfWordTag<ByteTag> d16;
+  const hn::Half<ByteTag> half;
+  for (size_t v = 0; v < windows.count; ++v) {
+    const Window<ByteTag, vectors_each> window(
+        d, reinterpret_cast<const uint8_t*>(columns.at) + windows.at[v]);
+    auto place = hn::Load(d, windows.place + v * kVectorBytes);
+    const auto next = [&]() HWY_ATTR {
+      const auto column = hn::BitCast(d16, PickFrom<vectors_each>(d, window.v, place));
+      place = hn::Add(place, hn::Set(d, uint8_t{2 * Format::kBytes}));
+      return column;
+    };
+    auto sum = next();
+    for (size_t i = 1; i < blocks.least; ++i) sum = hn::Add(sum, next());
+    const size_t x = windows.first[v] / 8;
+    sum = hn::Add(sum, hn::And(next(), hn::LoadU(d16, averages.wider + 4 * x)));
+    StoreColours<Format>(half, hn::TruncateTo(half, averages.Average(d16, sum, x)),
+                         dst + x * Format::kBytes);
+  }
+}
+
+#endif  // HWY_TARGET != HWY_SCALAR
+
+template <class Format>
+HWY_INLINE void AverageBlocksOf(const Blocks& blocks, ptrdiff_t src_pitch, const AveragedRow* rows,
+                                size_t height) {
+  const size_t src_bytes = blocks.first[blocks.count] * size_t{Format::kBytes};
+  ColumnSums columns;
+  if constexpr (kHaveVectors) {
+    if (blocks.least != 0 && blocks.count >= 4) {
+      std::fill_n(columns.at + src_bytes, 2 * 4, uint16_t{0});
+      BlockAverages averages[2];
+      const auto with = [&](auto&& average) HWY_ATTR {
+        for (const AveragedRow* row = rows; row != rows + height; ++row) {
+          BlockAverages& of_height = averages[row->height % 2];
+          of_height.Set(blocks, row->height);
+          SumRows(hn::ScalableTag<uint16_t>(), *row, src_pitch, src_bytes, columns);
+          average(of_height, row->dst);
+        }
+      };
+      if constexpr (kHaveByteTables) {
+        BlockWindows windows;
+        if (FindBlocks<Format>(windows, blocks)) {
+          const auto with_windows = [&](auto vectors) HWY_ATTR {
+            with([&](const BlockAverages& of_height, uint8_t* dst) HWY_ATTR {
+              AverageWindows<Format, decltype(vectors)::value>(windows, blocks, of_height, columns,
+                                                               dst);
+            });
+          };
+          if (windows.vectors_each == 1) return with_windows(std::integral_constant<size_t, 1>());
+          if (windows.vectors_each == 2) return with_windows(std::integral_constant<size_t, 2>());
+          return with_windows(std::integral_constant<size_t, 4>());
+        }
+      }
+      BlockColumns places;
+      for (size_t x = 0; x < blocks.count; ++x) {
+        const size_t first = blocks.first[x], end = blocks.first[x + 1];
+        places.first[x] = uint16_t(first * Format::kBytes);
+        places.another[x] =
+            uint16_t(end - first > blocks.least ? (end - 1) * Format::kBytes : src_bytes);
+      }
+      const auto with_blocks = [&](auto least) HWY_ATTR {
+        with([&](const BlockAverages& of_height, uint8_t* dst) HWY_ATTR {
+          BlockSums sums;
+          SumBlocks<Format, decltype(least)::value>(blocks, places, columns, sums);
+          StoreAverages<Format>(hn::ScalableTag<uint8_t>(), of_height, sums, dst, blocks.count);
+        });
+      };
+      if (blocks.least == 1) return with_blocks(std::integral_constant<size_t, 1>());
+      if (blocks.least == 2) return with_blocks(std::integral_constant<size_t, 2>());
+      return with_blocks(std::integral_constant<size_t, 0>());
+    }
+  }
+  for (const AveragedRow* row = rows; row != rows + height; ++row) {
+    SumRows(hn::ScalableTag<uint16_t>(), *row, src_pitch, src_bytes, columns);
+    AverageColumns<Format>(blocks, row->height, columns, row->dst);
+  }
+}
+
+void AverageBlocks(int pixel_bytes, const Blocks& blocks, ptrdiff_t src_pitch,
+                   const AveragedRow* rows, size_t height) {
   if (pixel_bytes == 3) {
-    AverageBlocksOf<Rgb888>(blocks, row);
+    AverageBlocksOf<Rgb888>(blocks, src_pitch, rows, height);
   } else {
-    AverageBlocksOf<Argb8888>(blocks, row);
+    AverageBlocksOf<Argb8888>(blocks, src_pitch, rows, height);
   }
 }
 
@@ -622,8 +794,9 @@ void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, con
                 size_t height) {
   HWY_DYNAMIC_DISPATCH(MixColumns)(mixing, pixel_bytes, columns, rows, height);
 }
-void AverageBlocks(int pixel_bytes, const Blocks& blocks, const AveragedRow& row) {
-  HWY_DYNAMIC_DISPATCH(AverageBlocks)(pixel_bytes, blocks, row);
+void AverageBlocks(int pixel_bytes, const Blocks& blocks, ptrdiff_t src_pitch,
+                   const AveragedRow* rows, size_t height) {
+  HWY_DYNAMIC_DISPATCH(AverageBlocks)(pixel_bytes, blocks, src_pitch, rows, height);
 }
 
 }  // namespace pincel

@@ -49,22 +49,21 @@ enum class Mixing {
 void MixColumns(Mixing mixing, int pixel_bytes, const MixedColumns& columns, const MixedRow* rows,
                 size_t height);
 
-// One destination row from the averages of blocks of pixels.
+// Averages of blocks of pixels.
 struct Blocks {
-  size_t count;             // at most 255
-  uint32_t least;           // the smallest of the widths; the others are the same or one more
-  size_t columns;           // all source columns together, at most 255
-  uint8_t widths[255];      // how many source columns fall on each pixel
-  uint16_t wider[4 * 256];  // ~0 four times for each pixel with more than `least`, 0 for the others
+  size_t count;        // blocks in a row, at most 255
+  uint32_t least;      // the smallest of the widths; the others are one more
+  uint8_t first[256];  // the source column that each block starts with, and where the last one ends
 };
 struct AveragedRow {
   uint8_t* dst;
   const uint8_t* src;
-  ptrdiff_t src_pitch;
-  uint32_t height;  // source rows, 1 to 255
+  uint32_t height;  // source rows, 1 to 255; in all rows together there are at most two heights,
+                    // one more than the other
 };
 // Leaves out pixels without columns.
-void AverageBlocks(int pixel_bytes, const Blocks& blocks, const AveragedRow& row);
+void AverageBlocks(int pixel_bytes, const Blocks& blocks, ptrdiff_t src_pitch,
+                   const AveragedRow* rows, size_t height);
 
 }  // namespace pincel
 
