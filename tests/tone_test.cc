@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "include/pincel.h"
@@ -497,6 +498,18 @@ TEST(CreateShadow, ShadowOf1555MakesTheSourcesFormatCount) {
   narrow.width = 2;
   EXPECT_EQ(Shadowed(narrow, src, 0, 255, 256).bytes,
             (std::vector<uint8_t>{9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 0xF8, 0xF8, 0xF8, 9}));
+}
+
+TEST(CreateShadow, ShadowOf1555Reads4444As1555) {
+  // 0x0F00 is red 15 of 15 in 4444, but green 24 and red 3 of 31 in 1555.
+  for (const auto& [format, value] : {std::pair{18, 0xC0}, {32, 0xF0}}) {
+    Picture src = PictureOf(19, 2, 2, {0, 0, 0, 0x0F00});
+    Picture shadow = Filled(format, 4, 4, 0);
+    TSurfDesc d = Describe(shadow), s = Describe(src);
+    d.width = d.height = 2;
+    EXPECT_TRUE(CreateShadow(d, s, 0, 255, 256));
+    EXPECT_EQ(shadow.bytes[size_t(d.pitch) + 4], value);
+  }
 }
 
 TEST(CreateShadow, ScaledWordsKeepTheirFourthByte) {
