@@ -55,20 +55,26 @@ Header ReadHeader(const uint8_t* file) {
 
 using Colours = std::array<TRGBA, 256>;
 
+// A table of `count` entries of three or four bytes, opaque; black beyond its end.
+Colours OpaqueColours(const uint8_t* table, size_t count, size_t entry_bytes) {
+  Colours colours{};
+  if (entry_bytes == 4) {
+    std::memcpy(colours.data(), table, 4 * count);
+  } else {
+    for (size_t i = 0; i < count; ++i) std::memcpy(&colours[i], table + 3 * i, 3);
+  }
+  for (TRGBA& colour : colours) colour.alpha = 0xFF;
+  return colours;
+}
+
 // The colours of 8-bit data: opaque ones from the file's table, and black beyond its end, or the
 // library's palette as it is.
 Colours ReadColours(const uint8_t* file, const Header& header) {
-  Colours colours;
   if (header.colour_table) {
-    colours.fill({0, 0, 0, 0xFF});
-    ByteReader table(file + kColourTableOffset);
-    for (int i = 0; i < header.colours; ++i) {
-      const uint8_t* const entry = table.Bytes(4);
-      colours[size_t(i)] = {entry[0], entry[1], entry[2], 0xFF};
-    }
-  } else {
-    std::copy_n(lu_gPaleta, 256, colours.begin());
+    return OpaqueColours(file + kColourTableOffset, size_t(header.colours), 4);
   }
+  Colours colours;
+  std::copy_n(lu_gPaleta, 256, colours.begin());
   return colours;
 }
 
@@ -119,7 +125,7 @@ void UnpackIndices(uint8_t* dst, const uint8_t* src, size_t count, unsigned bits
 template <class Format>
 class JoinedIndices {
  public:
-  static constexpr size_t kLongestPart = 255, kOvershoot = 16;
+  static constexpr size_t kLongestPart = 255, kOvershoot = 64;
 
   explicit JoinedIndices(const IndexSink<Format>& sink) : sink_(sink) {}
 
@@ -130,6 +136,8 @@ class JoinedIndices {
     if (used_ == 0) dst_ = dst;
     return indices_ + used_;
   }
+  // How many may be put there, kLongestPart or more.
+  size_t Room() const { return kSize - used_; }
   void Add(size_t count) { used_ += count; }
   void Store() {
     if (used_ > 0) sink_.Row(dst_, indices_, used_);
@@ -151,6 +159,41 @@ void PutShortRun(uint8_t* dst, uint8_t index) {
   const uint64_t eight = uint64_t{index} * 0x0101010101010101;
   StoreWord(dst, eight);
   StoreWord(dst + 8, eight);
+}
+
+// Codes of 8 bits from `count` literals on: these, the run behind them and so on, as long as literals
+// and runs alternate and are short, which in dithered pictures almost all of them are. Either is put
+// down whole; that there are no literals before a run makes no difference but to their number, for
+// there a guess would often be wrong. Gives how many indices there are, at most `room`; kOvershoot
+// bytes may follow. The reader comes to stand where a file has no padding to come.
+size_t PutAlternating(ByteReader& codes, size_t count, uint8_t* dst, size_t room) {
+  constexpr size_t kShortLiterals = 64;
+  constexpr size_t kAhead = kShortLiterals + 1 + 2 + 2;  // padding, a run, and what is next
+  static_assert(kShortLiterals <= JoinedIndices<Indexed8>::kOvershoot);
+  const size_t readable = codes.Readable();
+  if (count > std::min(kShortLiterals, room) || readable < kAhead) return 0;
+  const uint8_t* at = codes.At();
+  const uint8_t* const last = at + (readable - kAhead);
+  uint8_t* const begin = dst;
+  uint8_t* const end = dst + room;
+  for (;;) {
+    std::memcpy(dst, at, kShortLiterals);
+    dst += count;
+    at += (count + 1) & ~size_t{1};
+    const size_t run = at[0];
+    if (run - 1 >= kShortRun || run > size_t(end - dst)) break;
+    PutShortRun(dst, at[1]);
+    dst += run;
+    at += 2;
+    const uint8_t code = at[1];
+    const size_t literal = 0 - size_t{at[0] == 0};  // all ones or none
+    count = code & literal;
+    const bool command = (literal & size_t{code < 3}) != 0;
+    if (command | (count > kShortLiterals) | (count > size_t(end - dst)) | (at > last)) break;
+    at += 2 & literal;
+  }
+  codes.Bytes(size_t(at - codes.At()));
+  return size_t(dst - begin);
 }
 
 // Literals, by words that overlap.
@@ -229,10 +272,15 @@ RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
       if (end_x > rows.width || end_y >= rows.height) return end(RunLengthEnd::kMovedOutside);
       skip_to(end_x, end_y, Skipped::kByMove);
     } else {
+      uint8_t* const part = joined.Part(here());
+      if (bits == 8 && (padding == Padding::kOneByte || !codes.AtOddAddress())) {
+        const size_t put = PutAlternating(codes, code, part, std::min(left, joined.Room()));
+        add(put);
+        if (put > 0) continue;
+      }
       const size_t bytes = (code * bits + 7) / 8, fitting = std::min<size_t>(code, left);
       const uint8_t* const literals = codes.Bytes(bytes);
       if (literals == nullptr) return end(RunLengthEnd::kDataEnded);
-      uint8_t* const part = joined.Part(here());
       if (bits == 8) {
         PutLiterals(part, literals, fitting);
       } else {
@@ -598,12 +646,7 @@ pincel_status pincel_load_bmp(TSurfDesc& surface, const unsigned char* data, siz
     if constexpr (Format::kBytes != 1) {
       if (image.bits > 8) return LoadTrueColour<Format>(rows, image, pixels);
     }
-    Colours colours;
-    colours.fill({0, 0, 0, 0xFF});
-    for (size_t i = 0; i < image.colours; ++i) {
-      const uint8_t* const entry = entries + i * image.colour_bytes;
-      colours[i] = {entry[0], entry[1], entry[2], 0xFF};
-    }
+    const Colours colours = OpaqueColours(entries, image.colours, image.colour_bytes);
     if (Format::kBytes == 1 && surface.palette != nullptr) {
       SetImagePalette(surface.palette, colours.data(), 256);
     }

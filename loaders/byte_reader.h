@@ -7,6 +7,15 @@
 
 namespace pincel {
 
+// The address sanitizer knows of bytes, not only of pages, what may be read.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kBytesAreWatched = true;
+#elif defined(__has_feature)
+inline constexpr bool kBytesAreWatched = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kBytesAreWatched = false;
+#endif
+
 // Goes from one byte to the next. Without an end nothing is checked; with one, nothing behind it is
 // read: there bytes count as 0 and `RanOut` tells so.
 class ByteReader {
@@ -20,6 +29,14 @@ class ByteReader {
 
   const uint8_t* At() const { return at_; }
   size_t Left() const { return end_ == nullptr ? SIZE_MAX : size_t(end_ - at_); }
+  // How many bytes can be read without harm, whether or not they belong to the file, given that the
+  // next one can: without an end those of its memory page.
+  size_t Readable() const {
+    constexpr uintptr_t kSmallestPage = 4096;
+    if (end_ != nullptr) return Left();
+    if (kBytesAreWatched) return 1;
+    return kSmallestPage - reinterpret_cast<uintptr_t>(at_) % kSmallestPage;
+  }
   bool RanOut() const { return ran_out_; }
   bool AtOddAddress() const { return reinterpret_cast<uintptr_t>(at_) % 2 != 0; }
 

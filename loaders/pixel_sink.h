@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "surface/expand_rows.h"
+#include "surface/moved_fields.h"
 #include "surface/rows.h"
 
 namespace pincel {
@@ -58,9 +59,7 @@ void StoreRun(uint8_t* dst, typename Format::Word pixel, size_t width) {
 template <class Format>
 class IndexSink {
  public:
-  explicit IndexSink(const TRGBA* colours) {
-    for (int i = 0; i < 256; ++i) table_.pixel[i] = PackEntry<Format>(colours[i]);
-  }
+  explicit IndexSink(const TRGBA* colours) : table_(PixelsOf(colours)) {}
   // Whole rows; one row or a part of it; the same pixel several times.
   void Store(const SourceRows& rows) const { ExpandIndexed(Format::kBytes, rows, table_, false); }
   void Row(uint8_t* dst, const uint8_t* indices, size_t width) const {
@@ -78,6 +77,13 @@ class IndexSink {
   }
 
  private:
+  static PixelTable PixelsOf(const TRGBA* colours) {
+    if constexpr (FieldsOf<Format>::Alpha::kWidth % 8 == 0) {  // none, or the entry's own byte
+      return PixelsOfPalette(Format(), colours);
+    } else {
+      return TableOf(colours, MovedFields<Format, ByteFields, AlphaOfSource>::Of);
+    }
+  }
   typename Format::Word Pixel(uint8_t index) const {
     return typename Format::Word(table_.pixel[index]);
   }
