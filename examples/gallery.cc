@@ -532,6 +532,68 @@ const std::vector<Operation>& Operations() {
          LoadGIFAlphaEnd(mask, file.data(), gif, frame);
          shelf.Add("wuffs-hat.gif", mask);
        })},
+      {"Loading", "CQXGIF",
+       "The steps that the GIF loaders are made of: a header, the way to an image, its indices; "
+       "here as grey. The codes of an image are what ReadCode reads one by one.",
+       OnShelf([](Shelf& shelf) {
+         File file = GifFile(shelf.assets, "wuffs-hat.gif");
+         CQXGIF gif{};
+         RAW frame{};
+         gif.ReadHeader(file.data(), &frame);
+         gif.NextImage();
+         HostSurface indices(Format::k8, int(frame.width), int(frame.height), int(frame.width));
+         CreateGreyPal(indices.Palette());
+         frame.output = indices.pixels;
+         const CQXGIF before = gif;
+         shelf.Add("result " + std::to_string(gif.DecodeImage(&frame)), indices);
+         // A second reader: behind the descriptor of the image lies the width of the first code.
+         CQXGIF reader = before;
+         reader.cursor += 9;
+         reader.codeSize = *reader.cursor++ + 1u;
+         reader.endCode = (1u << (reader.codeSize - 1)) + 1;
+         std::string codes;
+         for (int i = 0; i < 6; ++i) codes += std::to_string(reader.ReadCode()) + " ";
+         shelf.Add("the first codes", codes);
+       })},
+      {"Loading", "pincel_load_bmp", "A file of 4 bits, of whatever origin, into each format.",
+       OnShelf([](Shelf& shelf) {
+         const File file = shelf.assets.Read("bmpsuite-pal4.bmp");
+         for (const FormatFacts& facts : kFormats) {
+           TSurfDesc size{};
+           if (pincel_load_info_bmp(size, file.data(), file.size()) != PINCEL_OK) continue;
+           HostSurface picture(facts.format, size.width, size.height);
+           if (pincel_load_bmp(picture, file.data(), file.size()) != PINCEL_OK) continue;
+           shelf.Add(facts.name, picture);
+         }
+       })},
+      {"Loading", "pincel_load_gif",
+       "The second frame of an animation into each format: only what the file has for it, which is "
+       "a part of the screen.",
+       OnShelf([](Shelf& shelf) {
+         const File file = GifFile(shelf.assets, "imagers-mixed-disposal.gif");
+         TSurfDesc screen{};
+         if (pincel_load_info_gif(screen, file.data(), file.size()) != PINCEL_OK) return;
+         TGifFrame frame{};
+         for (int i = 0; i < 2; ++i) pincel_gif_frame(frame, file.data(), file.size());
+         for (const FormatFacts& facts : kFormats) {
+           HostSurface picture(facts.format, frame.area.right - frame.area.left,
+                               frame.area.bottom - frame.area.top);
+           if (pincel_load_gif(picture, file.data(), file.size(), frame) != PINCEL_OK) continue;
+           shelf.Add(facts.name, picture);
+         }
+       })},
+      {"Loading", "pincel_load_jpg",
+       "A photograph of whatever origin into each format; at 8 bits dithered to lu_gPaleta.",
+       OnShelf([](Shelf& shelf) {
+         const File file = JpegFile(shelf.assets, "wuffs-bricks-color.jpg");
+         for (const FormatFacts& facts : kFormats) {
+           TSurfDesc size{};
+           if (pincel_load_info_jpg(size, file.data(), file.size()) != PINCEL_OK) continue;
+           HostSurface picture(facts.format, size.width, size.height);
+           if (pincel_load_jpg(picture, file.data(), file.size()) != PINCEL_OK) continue;
+           shelf.Add(facts.name, picture);
+         }
+       })},
       {"Loading", "pincel_gif_frame, pincel_load_gif",
        "An animation as viewers show it: each frame is drawn into its rectangle, without its "
        "transparent pixels, and disposed of before the next. examples/gif_animation.h does that.",
@@ -1304,15 +1366,16 @@ const std::vector<Operation>& Operations() {
            CreateModelPal(cube.Palette());
            cube.Palette()[252] = cube.Palette()[253] = cube.Palette()[254] =
                cube.Palette()[255] = {};
-           MixPalette palette(cube, dither);
-           if (!dither) shelf.From("palette", Swatches(lu_gPaleta));
+           static unsigned char table[2][65536];
+           pincel_build_mix_table(table, cube.palette, dither);
+           if (!dither) shelf.From("palette", Swatches(cube.Palette()));
            HostSurface planes[] = {cube, cube, cube};
            for (int y = 0; y < 64; ++y) {
              for (int x = 0; x < 64; ++x) {
                const int key = (x / 2) << 11 | 32 << 5 | y / 2;
-               SetPixel(planes[0], x, y, palette.table()[0][key]);
-               SetPixel(planes[1], x, y, palette.table()[1][key]);
-               SetPixel(planes[2], x, y, palette.table()[(x + y + 1) % 2][key]);
+               SetPixel(planes[0], x, y, table[0][key]);
+               SetPixel(planes[1], x, y, table[1][key]);
+               SetPixel(planes[2], x, y, table[(x + y + 1) % 2][key]);
              }
            }
            const std::string name = dither ? "dithered, " : "nearest, ";

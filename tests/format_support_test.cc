@@ -1,15 +1,22 @@
-// docs/format-support.md, line by line: what each function returns in each format, and whether it drew.
-// PINCEL_WRITE_TABLES=1 in the environment rewrites the page's table.
+// docs/format-support.md, line by line: what each function returns in each format, and whether it drew;
+// and what docs/functions.md says that can be tried out. PINCEL_WRITE_TABLES=1 in the environment
+// rewrites the table of the first page.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/exports/exported_functions.h"
 #include "tests/support/files.h"
+#include "tests/support/targets.h"
 
 namespace {
 
@@ -30,7 +37,6 @@ const std::set<std::string> kReaders = {"Width",
                                         "ScanWidth",
                                         "Size",
                                         "Transp",
-                                        "GetPixel",
                                         "LoadInfoBMP",
                                         "LoadInfoBMPAlpha",
                                         "LoadInfoGIF",
@@ -45,7 +51,12 @@ const std::set<std::string> kReaders = {"Width",
                                         "InitializeDLL",
                                         "CreateModelPal",
                                         "CreateGreyPal",
-                                        "CreateTruncPal"};
+                                        "CreateTruncPal",
+                                        "pincel_build_mix_table",
+                                        "pincel_load_info_bmp",
+                                        "pincel_load_info_gif",
+                                        "pincel_gif_frame",
+                                        "pincel_load_info_jpg"};
 // Their first surface has 8 bits, or 32; what varies is the source.
 const std::set<std::string> kMaskMakers = {"CreateMask", "CreateShadow"};
 
@@ -53,11 +64,28 @@ std::vector<uint8_t> PixelsOf(const TSurfDesc& surface) {
   return {surface.pixels, surface.pixels + ptrdiff_t{surface.height} * surface.pitch};
 }
 
+// What GetPixel makes of the pixel.
+std::string Seen(const Function& function, const Format& format) {
+  Arguments arguments(function.name, format, format);
+  const TSurfDesc& surface = arguments.Destination();
+  const CPunto at = function.plain_name == "pincel_get_pixel_at"
+                        ? CPunto{3, 4}
+                        : CPunto{arguments.number, arguments.number};
+  uint32_t stored = 0;
+  std::memcpy(&stored,
+              surface.pixels + ptrdiff_t{at.y} * surface.pitch + at.x * int(format.bpp / 8),
+              format.bpp / 8);
+  const uint64_t seen = function.cpp.call(arguments);
+  return seen == stored ? "the pixel" : seen == 0 ? "0" : "not the pixel";
+}
+
 // A call in one word or two.
 std::string Outcome(const Function& function, const Format& dst, const Format& others) {
+  if (function.name == "GetPixel") return Seen(function, dst);
   Arguments arguments(function.name, dst, others);
   const std::vector<uint8_t> before = PixelsOf(arguments.Destination());
-  const bool result = function.cpp.call(arguments) != 0;
+  const bool is_status = function.name.find("pincel_") == 0;
+  const bool result = (function.cpp.call(arguments) == PINCEL_OK) == is_status;
   const bool drew = PixelsOf(arguments.Destination()) != before;
   if (function.name == "SetPixel") return drew ? "drawn" : "nothing";
   if (drew) return result ? "yes" : "drawn, false";
@@ -121,6 +149,7 @@ TEST(FormatSupport, PageSaysWhatEveryFunctionDoesInEveryFormat) {
 TEST(FormatSupport, EveryFunctionOfTheTableDrawsInSomeFormat) {
   std::set<std::string> idle;
   for (const Function& function : exported::AllFunctions()) {
+    if (function.name == "GetPixel") continue;
     if (kReaders.count(function.name) != 0 || function.name.find("::") != std::string::npos) {
       continue;
     }
@@ -134,6 +163,156 @@ TEST(FormatSupport, EveryFunctionOfTheTableDrawsInSomeFormat) {
     if (!draws) idle.insert(function.plain_name);
   }
   EXPECT_EQ(idle, std::set<std::string>{"pincel_draw_stretch_table"});
+}
+
+// docs/functions.md: the cells of each function's row, without the first.
+enum Column { kColours, kClipping, kResult, kOneArea, kCommonPalette, kExample, kColumns };
+using Facts = std::map<std::string, std::vector<std::string>>;
+
+Facts ReadFacts() {
+  const std::vector<uint8_t> bytes = support::BytesOf(PINCEL_SOURCE_DIR "/docs/functions.md");
+  std::istringstream page(std::string(bytes.begin(), bytes.end()));
+  Facts facts;
+  for (std::string line; std::getline(page, line);) {
+    if (line.find("| `") != 0) continue;
+    std::vector<std::string> cells;
+    for (size_t at = 2; at < line.size();) {
+      const size_t end = std::min(line.find(" |", at), line.size());
+      cells.push_back(line.substr(at, end - at));
+      at = end + 3;
+    }
+    const std::string names = cells.front();
+    cells.erase(cells.begin());
+    for (size_t at = names.find('`'); at != std::string::npos; at = names.find('`', at)) {
+      const size_t end = names.find('`', at + 1);
+      EXPECT_TRUE(facts.emplace(names.substr(at + 1, end - at - 1), cells).second) << names;
+      at = end + 1;
+    }
+  }
+  return facts;
+}
+
+class FunctionsPage : public testing::Test {
+ protected:
+  const std::string& Cell(const Function& function, Column column) {
+    return facts_.at(function.plain_name).at(column);
+  }
+  static bool StartsWith(const std::string& cell, const std::string& words) {
+    return cell.compare(0, words.size(), words) == 0;
+  }
+
+  Facts facts_ = ReadFacts();
+};
+
+TEST_F(FunctionsPage, HasEveryFunctionOnce) {
+  std::set<std::string> wanted, listed;
+  for (const Function& function : exported::AllFunctions()) wanted.insert(function.plain_name);
+  for (const auto& [name, cells] : facts_) {
+    listed.insert(name);
+    EXPECT_EQ(cells.size(), size_t{kColumns}) << name;
+  }
+  EXPECT_EQ(listed, wanted);
+}
+
+TEST_F(FunctionsPage, WhatIsAlwaysTheResultIsAlwaysTheResult) {
+  for (const Function& function : exported::AllFunctions()) {
+    const std::string& cell = Cell(function, kResult);
+    std::set<bool> results;
+    for (const Format& dst : exported::kFormats) {
+      for (const Format& others : {dst, exported::kFormats[0]}) {
+        Arguments arguments(function.name, dst, others);
+        results.insert(function.cpp.call(arguments) != 0);
+      }
+    }
+    Arguments arguments(function.name, kOtherDepth, kOtherDepth);
+    results.insert(function.cpp.call(arguments) != 0);
+    if (StartsWith(cell, "always ")) {
+      EXPECT_EQ(results, std::set<bool>{StartsWith(cell, "always true")}) << function.plain_name;
+    }
+  }
+}
+
+// All sources are the destination itself, or copies of it; alpha surfaces and masks are neither.
+std::vector<uint8_t> DrawnFromItself(const Function& function, const Format& format,
+                                     bool in_place) {
+  const bool through_mask = function.plain_name.find("_alpha") != std::string::npos;
+  const size_t mask = through_mask                                                   ? 1
+                      : function.plain_name.find("source_mask") != std::string::npos ? 2
+                                                                                     : 9;
+  Arguments arguments(function.name, format, format);
+  arguments.UseDestinationAsSource(in_place, mask);
+  function.cpp.call(arguments);
+  return PixelsOf(arguments.Destination());
+}
+
+TEST_F(FunctionsPage, SourceAndDestinationMayBeOneAreaWhereItSaysSo) {
+  size_t allowed = 0;
+  for (const Function& function : exported::AllFunctions()) {
+    const std::string& cell = Cell(function, kOneArea);
+    EXPECT_TRUE(cell == "allowed" || cell == "not allowed" || StartsWith(cell, "one surface") ||
+                StartsWith(cell, "no surface"))
+        << function.plain_name;
+    if (cell != "allowed") continue;
+    ++allowed;
+    for (const Format& format : exported::kFormats) {
+      support::ForEachTarget([&] {
+        EXPECT_EQ(DrawnFromItself(function, format, true), DrawnFromItself(function, format, false))
+            << function.plain_name << ", " << format.bpp << " bits, red " << format.red;
+      });
+    }
+  }
+  EXPECT_GT(allowed, 20u);
+}
+
+// Whether the palette that all share makes a difference.
+bool ReadsCommonPalette(const Function& function, const Format& dst, const Format& others,
+                        bool with_palettes) {
+  std::vector<uint8_t> states[2];
+  for (int i = 0; i < 2; ++i) {
+    Arguments arguments(function.name, dst, others);
+    if (!with_palettes) arguments.TakePalettesAway();
+    const TSurfDesc before = arguments.Destination();  // some calls set the size
+    for (TRGBA& entry : lu_gPaleta) {
+      const auto byte = uint8_t(&entry - lu_gPaleta);
+      entry = i == 0 ? TRGBA{byte, uint8_t(byte * 7), uint8_t(byte * 13), 0}
+                     : TRGBA{uint8_t(byte * 11), uint8_t(~byte), byte, 9};
+    }
+    function.cpp.call(arguments);
+    states[i] = PixelsOf(before);
+  }
+  InitializeDLL();
+  return states[0] != states[1];
+}
+
+TEST_F(FunctionsPage, CommonPaletteIsReadWhereItSaysSo) {
+  // With its own palette away this writes through the null pointer that it asks for.
+  const std::set<std::string> need_palettes = {"pincel_convert", "pincel_convert8_8",
+                                               "pincel_load_bmp_trusted"};
+  for (const Function& function : exported::AllFunctions()) {
+    const auto reads = [&](bool indexed, bool with_palettes) {
+      bool any = false;
+      for (const Format& dst : exported::kFormats) {
+        if ((dst.bpp == 8) != indexed) continue;
+        for (const Format& others : {dst, exported::kFormats[0]}) {
+          any |= ReadsCommonPalette(function, dst, others, with_palettes);
+        }
+      }
+      return any;
+    };
+    std::string seen = "no";
+    if (reads(false, true)) {
+      seen = "every format";
+    } else if (reads(true, true)) {
+      seen = "8 bits";
+    } else if (need_palettes.count(function.plain_name) == 0 &&
+               (reads(false, false) || reads(true, false))) {
+      seen = "8 bits without a palette";
+    }
+    if (function.name == "InitializeDLL") seen = "writes it: no other call may run";
+    // The file of this test has a table.
+    if (function.name == "LoadBMP") seen = "8-bit files without a colour table";
+    EXPECT_EQ(Cell(function, kCommonPalette), seen) << function.plain_name;
+  }
 }
 
 }  // namespace

@@ -16,6 +16,16 @@ const std::vector<uint8_t>& FileFor(const std::string& function) {
   static const std::vector<uint8_t> bmp = support::BytesOf(folder + "bmp/bmpsuite-pal8.bmp");
   static const std::vector<uint8_t> gif = support::BytesOf(folder + "gif/pillow-hopper.gif");
   static const std::vector<uint8_t> jpg = support::BytesOf(folder + "jpg/wuffs-hippopotamus.jpg");
+  // The additions refuse images that are larger than the surface.
+  static const std::vector<uint8_t> small_bmp =
+      support::BytesOf(folder + "bmp/imagers-Info_8_Bit_Top_Down.bmp");
+  static const std::vector<uint8_t> small_gif =
+      support::BytesOf(folder + "gif/gifconf-static_4x4_red.gif");
+  static const std::vector<uint8_t> small_jpg =
+      support::BytesOf(folder + "jpg/jpegdec-jpg-size-15x15.jpg");
+  if (function.find("_bmp") != std::string::npos) return small_bmp;
+  if (function.find("_gif") != std::string::npos) return small_gif;
+  if (function.find("_jpg") != std::string::npos) return small_jpg;
   if (function.find("GIF") != std::string::npos) return gif;
   return function.find("JPG") != std::string::npos ? jpg : bmp;
 }
@@ -33,8 +43,7 @@ Function Listed(int ordinal, const char* name, const char* plain_name, const cha
       ordinal, name, plain_name, itanium_name, msvc_name, MakeCallable(cpp), MakeCallable(plain)};
 }
 
-}  // namespace
-
+// The two planes that 8-bit mixing looks colours up in.
 unsigned char (*MixTable())[65536] {
   static unsigned char table[2][65536];
   static const bool built = (pincel_build_mix_table(table, lu_gPaleta, 1), true);
@@ -42,8 +51,10 @@ unsigned char (*MixTable())[65536] {
   return table;
 }
 
+}  // namespace
+
 Arguments::Arguments(const std::string& function, const Format& dst, const Format& others)
-    : file(FileFor(function)) {
+    : table(MixTable()), file(FileFor(function)) {
   for (uint32_t i = 0; i < surfaces_.size(); ++i) Fill(surfaces_[i], i == 0 ? dst : others, i);
   if (function.find("GIF") != std::string::npos) {
     TSurfDesc screen{};
@@ -53,6 +64,14 @@ Arguments::Arguments(const std::string& function, const Format& dst, const Forma
     if (function != "CQXGIF::NextImage") gif.NextImage();
     gif.codeSize = 9;
   }
+  if (function == "pincel_build_mix_table") {
+    built_.resize(2 * 65536);
+    table = reinterpret_cast<unsigned char(*)[65536]>(built_.data());
+    CreateTruncPal(palette);
+  }
+  // A length has the type of a colour.
+  if (function.find("pincel_") == 0) colours_[0] = file.size();
+  if (function == "pincel_load_gif") pincel_gif_frame(gif_frame, file.data(), file.size());
   if (function == "DrawBlock") level = 3;      // position and size
   if (function == "Convert") colours_[0] = 3;  // mode
   if (function == "StretchBitmap") number = int(dst.bpp);
@@ -82,6 +101,20 @@ void Arguments::Fill(Picture& picture, const Format& format, uint32_t seed) {
   picture.desc.palette = picture.palette;
 }
 
+void Arguments::UseDestinationAsSource(bool in_place, size_t except) {
+  for (size_t i = 1; i < surfaces_.size(); ++i) {
+    if (i == except) continue;
+    surfaces_[i].bytes = surfaces_[0].bytes;
+    surfaces_[i].desc = surfaces_[0].desc;
+    if (!in_place) surfaces_[i].desc.pixels = surfaces_[i].bytes.data() + kMargin;
+  }
+  for (CPunto& point : points_) point = {rectangles_[0].left, rectangles_[0].top};
+}
+
+void Arguments::TakePalettesAway() {
+  for (Picture& picture : surfaces_) picture.desc.palette = nullptr;
+}
+
 std::vector<uint8_t> Arguments::State() const {
   std::vector<uint8_t> state;
   for (const Picture& picture : surfaces_) {
@@ -92,12 +125,14 @@ std::vector<uint8_t> Arguments::State() const {
     Append(state, picture.palette);
   }
   state.insert(state.end(), decoded_.begin(), decoded_.end());
+  state.insert(state.end(), built_.begin(), built_.end());
   Append(state, frame.width);
   Append(state, frame.height);
   Append(state, frame.palette);
   Append(state, gif.cursor == nullptr ? ptrdiff_t{-1} : gif.cursor - file.data());
   Append(state, gif.bitCount);
   Append(state, gif.bitByte);
+  Append(state, gif_frame);
   Append(state, size);
   Append(state, palette);
   Append(state, lu_gPaleta);

@@ -36,6 +36,10 @@ class Arguments {
 
   // The first surface; looking at it does not count as asking for it.
   const TSurfDesc& Destination() const { return surfaces_[0].desc; }
+  // Makes all other surfaces but one the first one, or copies of it, and has the areas begin at one
+  // place.
+  void UseDestinationAsSource(bool in_place, size_t except);
+  void TakePalettesAway();
   // Everything that a call may have changed, addresses excepted.
   std::vector<uint8_t> State() const;
 
@@ -47,9 +51,11 @@ class Arguments {
 
   CQXGIF gif{};
   RAW frame{};
+  TGifFrame gif_frame{};
   CSize size{};
   TRGBA palette[256] = {};
   int number = 5;
+  unsigned char (*table)[65536];  // of colours at 8 bits
   unsigned short level = 200;
   unsigned char byte = 100;
   float fraction = 0.6f;
@@ -71,12 +77,9 @@ class Arguments {
   std::array<CRectangulo, 2> rectangles_ = {{{2, 1, 42, 9}, {0, 0, 30, 6}}};
   std::array<CPunto, 3> points_ = {{{3, 4}, {20, 9}, {5, 6}}};
   std::array<unsigned long, 3> colours_ = {0x80123456, 0x00FFFFFF, 0x00102030};
-  std::vector<uint8_t> decoded_;
+  std::vector<uint8_t> decoded_, built_;
   int next_surface_ = 0, next_rectangle_ = 0, next_point_ = 0, next_colour_ = 0;
 };
-
-// The two planes that 8-bit mixing looks colours up in.
-unsigned char (*MixTable())[65536];
 
 template <class T>
 struct Type {};
@@ -87,6 +90,7 @@ inline CPunto& NextOf(Arguments& a, Type<CPunto>) { return a.Point(); }
 inline CSize& NextOf(Arguments& a, Type<CSize>) { return a.size; }
 inline CQXGIF& NextOf(Arguments& a, Type<CQXGIF>) { return a.gif; }
 inline RAW& NextOf(Arguments& a, Type<RAW>) { return a.frame; }
+inline TGifFrame& NextOf(Arguments& a, Type<TGifFrame>) { return a.gif_frame; }
 inline auto NextOf(Arguments& a, Type<TRGBA>) -> TRGBA (&)[256] { return a.palette; }
 inline auto NextOf(Arguments& a, Type<TRGBA[256]>) -> TRGBA (&)[256] { return a.palette; }
 inline bool NextOf(Arguments& a, Type<bool>) { return a.flag; }
@@ -100,7 +104,7 @@ inline long NextOf(Arguments& a, Type<long>) { return a.length(); }
 inline unsigned char* NextOf(Arguments& a, Type<unsigned char*>) { return a.file.data(); }
 inline int* NextOf(Arguments& a, Type<int*>) { return a.weights; }
 inline long* NextOf(Arguments& a, Type<long*>) { return a.offsets; }
-inline auto NextOf(Arguments&, Type<unsigned char (*)[65536]>) { return MixTable(); }
+inline auto NextOf(Arguments& a, Type<unsigned char (*)[65536]>) { return a.table; }
 
 // The next argument for a parameter of type T. Pointers to records stand for the records.
 template <class T>

@@ -14,6 +14,7 @@ using exported::Format;
 
 TEST(PlainC, EachNameDoesWhatItsFunctionDoes) {
   for (const exported::Function& function : exported::AllFunctions()) {
+    if (function.name == function.plain_name) continue;  // an addition, which has one name
     for (const Format& dst : exported::kFormats) {
       for (const Format& others : {dst, exported::kFormats[0]}) {
         SCOPED_TRACE(testing::Message() << function.name << " and " << function.plain_name << ", "

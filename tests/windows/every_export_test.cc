@@ -29,12 +29,13 @@ const void* Find(int ordinal) {
 TEST(EveryExport, OrdinalsFindWhatNamesFind) {
   for (const exported::Function& function : exported::AllFunctions()) {
     SCOPED_TRACE(function.name);
+    ASSERT_NE(Find(function.plain_name), nullptr);
+    EXPECT_EQ(Find(function.ordinal + 512), Find(function.plain_name));
+    if (function.name == function.plain_name) continue;  // an addition, which has one name
     ASSERT_NE(Find(function.itanium_name), nullptr);
     EXPECT_EQ(Find(function.ordinal), Find(function.itanium_name));
     ASSERT_NE(Find(function.msvc_name), nullptr);
     EXPECT_EQ(Find(function.ordinal + 256), Find(function.msvc_name));
-    ASSERT_NE(Find(function.plain_name), nullptr);
-    EXPECT_EQ(Find(function.ordinal + 512), Find(function.plain_name));
   }
 }
 
@@ -71,6 +72,8 @@ TEST(EveryExport, WorksAtEveryStackOffset) {
                 {function.plain_name, function.plain, false}};
     for (const Format& dst : exported::kFormats) {
       for (const Format& others : {dst, exported::kFormats[0]}) {
+        // Slow, and without surfaces: once is enough.
+        if (function.name == "pincel_build_mix_table" && dst.bpp != 8) continue;
         Arguments expected(function.name, dst, others);
         const uint64_t result = function.cpp.call(expected);
         const std::vector<uint8_t> state = expected.State();
