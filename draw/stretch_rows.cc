@@ -30,7 +30,8 @@ template <size_t place_bytes>
 struct Windows {
   static constexpr size_t kMax = place_bytes * kTileColumns / kVectorBytes + 1;
   size_t count = 0;         // 0 when they would be longer than four vectors
-  size_t vectors_each = 0;  // 1, 2 or 4
+  size_t vectors_each = 0;  // 1, 2 or 4; 0 for rows shorter than a vector, their own window
+  size_t row_bytes = 0;     // of such rows
   size_t first[kMax];       // column, or byte, that it starts with
   ptrdiff_t at[kMax];       // byte of the source row
   alignas(64) uint8_t place[place_bytes * kTileColumns + kVectorBytes];
@@ -45,13 +46,16 @@ HWY_INLINE bool FindWindows(Windows& windows, size_t total, size_t run, size_t r
   if (total < run) return false;
   for (size_t vectors : {size_t{1}, size_t{2}, size_t{4}}) {
     const size_t size = vectors * kVectorBytes;
-    if (readable < size) return false;
-    windows.vectors_each = vectors;
+    const bool short_rows = kHaveByteTables && readable < kVectorBytes;
+    if (readable < size && !short_rows) return false;
+    windows.vectors_each = short_rows ? 0 : vectors;
+    windows.row_bytes = readable;
+    const size_t last = short_rows ? 0 : readable - size;
     windows.count = 0;
     bool fits = true;
     for (size_t next = 0; next < total && fits; next += run, ++windows.count) {
       const size_t first = HWY_MIN(next, total - run);
-      const size_t at = HWY_MIN(begin(first), readable - size);
+      const size_t at = HWY_MIN(begin(first), last);
       fits = end(first + run - 1) <= at + size;
       windows.first[windows.count] = first;
       windows.at[windows.count] = ptrdiff_t(at);
@@ -81,25 +85,25 @@ HWY_INLINE bool FindPixels(Windows<size_t(bytes)>& windows, const TileColumns& c
 
 // Windows of pairs of neighbours, by columns. A vector has, for each of its blocks, the channels of
 // one pixel: left, 0, right, 0 of blue, then of green, of red; the zeros are put there later. Four
-// vectors have all pixels of a run: first those of block 0, 4, 8, ...
+// vectors have all pixels of a run: first those of block 0, 4, 8, ... The last column is beside itself.
 inline constexpr size_t kPairBytes = 16, kPairRun = kVectorBytes / 4;
 
 template <int bytes>
-HWY_INLINE bool FindPairs(Windows<kPairBytes>& windows, const TileColumns& columns, size_t width) {
+HWY_INLINE bool FindPairs(Windows<kPairBytes>& windows, const TileColumns& columns) {
   const auto source = [&](size_t x) { return size_t(columns.at[x]) * bytes; };
-  if (!FindWindows(windows, width, kPairRun, size_t(columns.last + 1) * bytes, source,
-                   [&](size_t x) { return source(x) + 2 * bytes; })) {
+  const auto to_right = [&](size_t x) { return columns.at[x] != columns.last ? bytes : 0; };
+  if (!FindWindows(windows, columns.width, kPairRun, size_t(columns.last + 1) * bytes, source,
+                   [&](size_t x) { return source(x) + size_t(to_right(x) + bytes); })) {
     return false;
   }
-  constexpr uint64_t kEveryByte = 0x0101010101010101,
-                     kRight = uint64_t{bytes} << 16 | uint64_t{bytes} << 48;
-  constexpr uint64_t kBlueGreen = 0x0101010100000000 + kRight;
-  constexpr uint64_t kRed = 0x0202020202020202 + kRight;
+  constexpr uint64_t kEveryByte = 0x0101010101010101, kRightBytes = 0x0001000000010000;
+  constexpr uint64_t kBlueGreen = 0x0101010100000000, kRed = 0x0202020202020202;
   uint8_t* place = windows.place;
   for (size_t v = 0; v < windows.count; ++v) {
     for (size_t pixel = 0; pixel < 4; ++pixel) {
       for (size_t x = windows.first[v] + pixel; x < windows.first[v] + kPairRun; x += 4) {
-        const uint64_t at = uint64_t(source(x) - size_t(windows.at[v])) * kEveryByte;
+        const uint64_t at = uint64_t(source(x) - size_t(windows.at[v])) * kEveryByte +
+                            uint64_t(to_right(x)) * kRightBytes;
         StoreWord(place, at + kBlueGreen);
         StoreWord(place + 8, at + kRed);
         place += kPairBytes;
@@ -139,9 +143,24 @@ HWY_INLINE hn::VFromD<D> PickFrom(D d, const hn::VFromD<D>* window, hn::VFromD<D
                           PickFrom<vectors / 2, true>(d, window, place));
   }
 }
-template <size_t vectors, class D>
-HWY_INLINE hn::VFromD<D> Pick(D d, const uint8_t* src, hn::VFromD<D> place) {
-  return PickFrom<vectors>(d, Window<D, vectors>(d, src).v, place);
+template <size_t vectors_each, class D, class Windows>
+HWY_INLINE hn::VFromD<D> Pick(D d, const Windows& windows, size_t v, const uint8_t* src,
+                              hn::VFromD<D> place) {
+  if constexpr (vectors_each == 0) {
+    const auto row = hn::LoadN(d, src, windows.row_bytes);
+    return PickFrom<1>(d, &row, place);
+  } else {
+    return PickFrom<vectors_each>(d, Window<D, vectors_each>(d, src + windows.at[v]).v, place);
+  }
+}
+
+// Calls `function` with the number as a type.
+template <class Function>
+HWY_INLINE void WithVectors(size_t vectors_each, Function&& function) {
+  if (vectors_each == 1) return function(std::integral_constant<size_t, 1>());
+  if (vectors_each == 2) return function(std::integral_constant<size_t, 2>());
+  if (vectors_each == 4) return function(std::integral_constant<size_t, 4>());
+  if constexpr (kHaveByteTables) function(std::integral_constant<size_t, 0>());
 }
 
 template <class Format, size_t vectors_each, class Windows>
@@ -154,7 +173,7 @@ HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_
     for (size_t v = 0; v < windows.count; ++v) {
       hwy::Prefetch(next->dst + windows.first[v]);
       hwy::Prefetch(next->src + windows.at[v]);
-      auto bytes = Pick<vectors_each>(d, row->src + windows.at[v],
+      auto bytes = Pick<vectors_each>(d, windows, v, row->src,
                                       hn::Load(d, windows.place + v * kVectorBytes));
       uint8_t* const dst = row->dst + windows.first[v];
       if constexpr (kKeepsFourthByte<Format>) {
@@ -172,9 +191,9 @@ HWY_INLINE void CopyColumnsOf(const TileColumns& columns, const CopiedRow* rows,
   if constexpr (kHaveByteShuffle) {
     Windows<size_t(Format::kBytes)> windows;
     if (FindPixels<Format::kBytes>(windows, columns)) {
-      if (windows.vectors_each == 1) return CopyWindows<Format, 1>(windows, rows, height);
-      if (windows.vectors_each == 2) return CopyWindows<Format, 2>(windows, rows, height);
-      return CopyWindows<Format, 4>(windows, rows, height);
+      return WithVectors(windows.vectors_each, [&](auto vectors) HWY_ATTR {
+        CopyWindows<Format, decltype(vectors)::value>(windows, rows, height);
+      });
     }
   }
   using Copied = std::conditional_t<kKeepsFourthByte<Format>, Rgb888, Format>;
@@ -331,17 +350,14 @@ HWY_INLINE void StoreColours(D d, hn::VFromD<D> words, uint8_t* dst) {
 // Mixing works on the pairs (left, right) of one channel as two half words. Weights are taken less
 // about half of their range, to fit into signed half words: what that takes away is a multiple of the
 // sum of the pixels.
-template <Mixing mixing, class D>
-struct MixedWeights;
-
 template <class D>
-struct MixedWeights<Mixing::kSmooth, D> {
+struct SmoothMixer {
   using V = hn::VFromD<D>;
   static constexpr int16_t kLess = 32767;  // the largest weight is 65534
   V top, bottom;
 
   // `both` is (kSmoothUnit - right, right) of Lanes(d32) columns.
-  HWY_INLINE MixedWeights(D d32, V both, uint32_t row_down)
+  HWY_INLINE SmoothMixer(D d32, V both, uint32_t row_down)
       : top(Times(d32, both, kSmoothUnit - row_down)), bottom(Times(d32, both, row_down)) {}
 
   // Channels of the `pixel`-th pixel of each block, 256 x 256 times too large.
@@ -368,41 +384,32 @@ struct MixedWeights<Mixing::kSmooth, D> {
   }
 };
 
-template <class D>
-struct MixedWeights<Mixing::kInterpolate, D> {
-  using V = hn::VFromD<D>;
-  static constexpr uint32_t kLess = 0x80008000;
-  V along, down;
+// Channels between the pixels of a row, in 16.16 fixed point. `weights` is (kSmoothUnit - right, right),
+// less 32768.
+template <class D, class V = hn::VFromD<D>>
+HWY_INLINE V InterpolateAlong(D d32, V pairs, V weights) {
+  const hn::RebindToSigned<D> di32;
+  const hn::Repartition<int16_t, D> di16;
+  const auto signed_pairs = hn::BitCast(di16, pairs);
+  const auto rest = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::BitCast(di16, weights));
+  const auto less = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::Set(di16, -32768));
+  // The weights sum to 65535; the left pixel once more makes it 65536.
+  const V left = hn::And(pairs, hn::Set(d32, 0xFFFF));
+  return hn::Add(hn::BitCast(d32, hn::Sub(rest, less)), left);
+}
 
-  HWY_INLINE MixedWeights(D d32, V both, uint32_t row_down)
-      : along(hn::Xor(both, hn::Set(d32, kLess))), down(hn::Set(d32, row_down)) {}
+// From a channel of the upper row towards that of the lower one.
+template <class D, class V = hn::VFromD<D>>
+HWY_INLINE V InterpolateDown(D d32, V top, V bottom, V down) {
+  const hn::RebindToSigned<D> di32;
+  const hn::Repartition<uint16_t, D> d16;
+  const V way = hn::Sub(bottom, top);
+  const V whole = hn::Mul(hn::BitCast(d32, hn::ShiftRight<16>(hn::BitCast(di32, way))), down);
+  const V part = hn::BitCast(d32, hn::MulHigh(hn::BitCast(d16, way), hn::BitCast(d16, down)));
+  return hn::Add(hn::Add(top, whole), part);
+}
 
-  template <size_t pixel>
-  HWY_INLINE V Mix(D d32, V top_pairs, V bottom_pairs) const {
-    const hn::RebindToSigned<D> di32;
-    const hn::Repartition<uint16_t, D> d16;
-    const V weights = hn::Broadcast<pixel>(along);
-    const V from = Along(d32, top_pairs, weights);
-    const V way = hn::Sub(Along(d32, bottom_pairs, weights), from);
-    const V whole = hn::Mul(hn::BitCast(d32, hn::ShiftRight<16>(hn::BitCast(di32, way))), down);
-    const V part = hn::BitCast(d32, hn::MulHigh(hn::BitCast(d16, way), hn::BitCast(d16, down)));
-    return hn::Add(hn::Add(from, whole), part);
-  }
-
- private:
-  static HWY_INLINE V Along(D d32, V pairs, V weights) {
-    const hn::RebindToSigned<D> di32;
-    const hn::Repartition<int16_t, D> di16;
-    const auto signed_pairs = hn::BitCast(di16, pairs);
-    const auto rest = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::BitCast(di16, weights));
-    const auto sum = hn::WidenMulPairwiseAdd(di32, signed_pairs, hn::Set(di16, 1));
-    // The weights sum to 65535; the left pixel once more makes it 65536.
-    const V left = hn::And(pairs, hn::Set(d32, 0xFFFF));
-    return hn::Add(hn::BitCast(d32, hn::Add(rest, hn::ShiftLeft<15>(sum))), left);
-  }
-};
-
-// Four vectors of channels, as MixedWeights::Mix leaves them, as pixels.
+// Four vectors of channels, 256 x 256 times too large, as pixels.
 template <class D>
 HWY_INLINE hn::VFromD<D> JoinChannels(D d32, hn::VFromD<D> p0, hn::VFromD<D> p1, hn::VFromD<D> p2,
                                       hn::VFromD<D> p3) {
@@ -417,34 +424,116 @@ HWY_INLINE hn::VFromD<D> JoinChannels(D d32, hn::VFromD<D> p0, hn::VFromD<D> p1,
   return hn::BitCast(d32, hn::TableLookupBytes(hn::BitCast(d8, joined), hn::Load(d8, kByte.at)));
 }
 
-template <class Format, Mixing mixing, size_t vectors_each>
-HWY_INLINE void MixWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
-                           const MixedRow* rows, size_t height) {
+// (kSmoothUnit - right, right) of the columns of a window.
+template <class D>
+HWY_INLINE hn::VFromD<D> LoadBoth(D d32, const MixedColumns& columns, size_t x) {
+  const hn::Rebind<uint16_t, D> d_right;
+  const auto right = hn::PromoteTo(d32, hn::LoadU(d_right, columns.right + x));
+  return hn::Or(hn::Xor(right, hn::Set(d32, kSmoothUnit)), hn::ShiftLeft<16>(right));
+}
+
+// The pairs of the `pixel`-th pixel of each block of window `v`.
+template <size_t vectors_each, class D>
+HWY_INLINE hn::VFromD<D> LoadPairs(D d32, const Windows<kPairBytes>& windows, size_t v,
+                                   const uint8_t* src, size_t pixel) {
+  const ByteTag d;
+  const auto place = hn::Load(d, windows.place + (v * 4 + pixel) * kVectorBytes);
+  return hn::And(hn::BitCast(d32, Pick<vectors_each>(d, windows, v, src, place)),
+                 hn::Set(d32, 0x00FF00FF));
+}
+
+template <class Format, size_t vectors_each>
+HWY_INLINE void SmoothWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
+                              const MixedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
-  const hn::Rebind<uint16_t, decltype(d32)> d_right;
   for (const MixedRow* row = rows; row != rows + height; ++row) {
     const MixedRow* const next = row + 1 != rows + height ? row + 1 : row;
     for (size_t v = 0; v < windows.count; ++v) {
       const size_t x = windows.first[v];
       hwy::Prefetch(next->dst + x * Format::kBytes);
       hwy::Prefetch(next->bottom + windows.at[v]);
-      const auto right = hn::PromoteTo(d32, hn::LoadU(d_right, columns.right + x));
-      const auto left = hn::Xor(right, hn::Set(d32, kSmoothUnit));
-      const MixedWeights<mixing, WordTag<ByteTag>> weights(
-          d32, hn::Or(left, hn::ShiftLeft<16>(right)), row->down);
+      const SmoothMixer<WordTag<ByteTag>> mixer(d32, LoadBoth(d32, columns, x), row->down);
       const auto pairs = [&](const uint8_t* src, size_t pixel) HWY_ATTR {
-        const auto place = hn::Load(d, windows.place + (v * 4 + pixel) * kVectorBytes);
-        return hn::And(hn::BitCast(d32, Pick<vectors_each>(d, src + windows.at[v], place)),
-                       hn::Set(d32, 0x00FF00FF));
+        return LoadPairs<vectors_each>(d32, windows, v, src, pixel);
       };
       const auto mixed =
-          JoinChannels(d32, weights.template Mix<0>(d32, pairs(row->top, 0), pairs(row->bottom, 0)),
-                       weights.template Mix<1>(d32, pairs(row->top, 1), pairs(row->bottom, 1)),
-                       weights.template Mix<2>(d32, pairs(row->top, 2), pairs(row->bottom, 2)),
-                       weights.template Mix<3>(d32, pairs(row->top, 3), pairs(row->bottom, 3)));
+          JoinChannels(d32, mixer.template Mix<0>(d32, pairs(row->top, 0), pairs(row->bottom, 0)),
+                       mixer.template Mix<1>(d32, pairs(row->top, 1), pairs(row->bottom, 1)),
+                       mixer.template Mix<2>(d32, pairs(row->top, 2), pairs(row->bottom, 2)),
+                       mixer.template Mix<3>(d32, pairs(row->top, 3), pairs(row->bottom, 3)));
       StoreColours<Format>(d, hn::BitCast(d, mixed), row->dst + x * Format::kBytes);
     }
+  }
+}
+
+// What InterpolateAlong makes of a source row, window by window. Enlarging needs that again in the next
+// rows.
+struct InterpolatedRow {
+  const uint8_t* src = nullptr;
+  alignas(64) uint32_t channels[4 * (kTileColumns + kPairRun)];
+
+  template <size_t vectors_each>
+  HWY_INLINE void Set(const Windows<kPairBytes>& windows, const MixedColumns& columns,
+                      const uint8_t* new_src) {
+    const WordTag<ByteTag> d32;
+    src = new_src;
+    for (size_t v = 0; v < windows.count; ++v) {
+      const auto weights =
+          hn::Xor(LoadBoth(d32, columns, windows.first[v]), hn::Set(d32, 0x80008000));
+      SetPixels<vectors_each, 0>(d32, windows, v, weights);
+      SetPixels<vectors_each, 1>(d32, windows, v, weights);
+      SetPixels<vectors_each, 2>(d32, windows, v, weights);
+      SetPixels<vectors_each, 3>(d32, windows, v, weights);
+    }
+  }
+
+ private:
+  template <size_t vectors_each, size_t pixel, class D>
+  HWY_INLINE void SetPixels(D d32, const Windows<kPairBytes>& windows, size_t v,
+                            hn::VFromD<D> weights) {
+    const auto pairs = LoadPairs<vectors_each>(d32, windows, v, src, pixel);
+    hn::Store(InterpolateAlong(d32, pairs, hn::Broadcast<pixel>(weights)), d32,
+              channels + (v * 4 + pixel) * kPairRun);
+  }
+};
+
+template <class Format, size_t vectors_each>
+HWY_INLINE void InterpolateWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
+                                   const MixedRow* rows, size_t height) {
+  const ByteTag d;
+  const WordTag<ByteTag> d32;
+  InterpolatedRow interpolated[2];
+  InterpolatedRow *top = &interpolated[0], *bottom = &interpolated[1];
+  for (const MixedRow* row = rows; row != rows + height; ++row) {
+    if (bottom->src == row->top) std::swap(top, bottom);
+    if (top->src != row->top) top->template Set<vectors_each>(windows, columns, row->top);
+    if (bottom->src != row->bottom)
+      bottom->template Set<vectors_each>(windows, columns, row->bottom);
+    const auto down = hn::Set(d32, row->down);
+    const MixedRow* const next = row + 1 != rows + height ? row + 1 : row;
+    for (size_t v = 0; v < windows.count; ++v) {
+      const size_t x = windows.first[v];
+      hwy::Prefetch(next->dst + x * Format::kBytes);
+      hwy::Prefetch(next->bottom + windows.at[v]);
+      const auto channels = [&](size_t pixel) HWY_ATTR {
+        const size_t at = (v * 4 + pixel) * kPairRun;
+        return InterpolateDown(d32, hn::Load(d32, top->channels + at),
+                               hn::Load(d32, bottom->channels + at), down);
+      };
+      const auto mixed = JoinChannels(d32, channels(0), channels(1), channels(2), channels(3));
+      StoreColours<Format>(d, hn::BitCast(d, mixed), row->dst + x * Format::kBytes);
+    }
+  }
+}
+
+template <class Format, Mixing mixing, size_t vectors_each>
+HWY_INLINE void MixWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
+                           const MixedRow* rows, size_t height) {
+  if constexpr (mixing == Mixing::kSmooth) {
+    SmoothWindows<Format, vectors_each>(windows, columns, rows, height);
+  } else {
+    InterpolateWindows<Format, vectors_each>(windows, columns, rows, height);
   }
 }
 
@@ -454,19 +543,17 @@ template <class Format, Mixing mixing>
 HWY_INLINE void MixColumnsOf(const MixedColumns& columns, const MixedRow* rows, size_t height) {
   size_t mixed = 0;
   if constexpr (kHaveByteShuffle) {
-    // Up to the last column, which has a right neighbour of its own.
-    const int32_t* const end = columns.at + columns.width;
-    const size_t inside = size_t(std::lower_bound(columns.at, end, columns.last) - columns.at);
     Windows<kPairBytes> windows;
-    if (FindPairs<Format::kBytes>(windows, columns, inside)) {
-      mixed = inside;
-      if (windows.vectors_each == 1) {
-        MixWindows<Format, mixing, 1>(windows, columns, rows, height);
-      } else if (windows.vectors_each == 2) {
-        MixWindows<Format, mixing, 2>(windows, columns, rows, height);
-      } else {
-        MixWindows<Format, mixing, 4>(windows, columns, rows, height);
+    if (FindPairs<Format::kBytes>(windows, columns)) {
+      mixed = columns.width;
+      if constexpr (mixing == Mixing::kSmooth) {
+        // The last column, which may have other right neighbours, is done again.
+        const int32_t* const end = columns.at + columns.width;
+        mixed = size_t(std::lower_bound(columns.at, end, columns.last) - columns.at);
       }
+      WithVectors(windows.vectors_each, [&](auto vectors) HWY_ATTR {
+        MixWindows<Format, mixing, decltype(vectors)::value>(windows, columns, rows, height);
+      });
     }
   }
   for (const MixedRow* row = rows; row != rows + height; ++row) {
@@ -726,15 +813,12 @@ HWY_INLINE void AverageBlocksOf(const Blocks& blocks, ptrdiff_t src_pitch, const
       if constexpr (kHaveByteTables) {
         BlockWindows windows;
         if (FindBlocks<Format>(windows, blocks)) {
-          const auto with_windows = [&](auto vectors) HWY_ATTR {
+          return WithVectors(windows.vectors_each, [&](auto vectors) HWY_ATTR {
+            constexpr size_t kVectors = HWY_MAX(decltype(vectors)::value, 1);  // never short
             with([&](const BlockAverages& of_height, uint8_t* dst) HWY_ATTR {
-              AverageWindows<Format, decltype(vectors)::value>(windows, blocks, of_height, columns,
-                                                               dst);
+              AverageWindows<Format, kVectors>(windows, blocks, of_height, columns, dst);
             });
-          };
-          if (windows.vectors_each == 1) return with_windows(std::integral_constant<size_t, 1>());
-          if (windows.vectors_each == 2) return with_windows(std::integral_constant<size_t, 2>());
-          return with_windows(std::integral_constant<size_t, 4>());
+          });
         }
       }
       BlockColumns places;
