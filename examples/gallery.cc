@@ -544,10 +544,10 @@ const std::vector<Operation>& Operations() {
          HostSurface indices(Format::k8, int(frame.width), int(frame.height), int(frame.width));
          CreateGreyPal(indices.Palette());
          frame.output = indices.pixels;
-         const CQXGIF before = gif;
-         shelf.Add("result " + std::to_string(gif.DecodeImage(&frame)), indices);
+         CQXGIF reader = gif;
+         gif.DecodeImage(&frame);
+         shelf.Add("wuffs-hat.gif", indices);
          // A second reader: behind the descriptor of the image lies the width of the first code.
-         CQXGIF reader = before;
          reader.cursor += 9;
          reader.codeSize = *reader.cursor++ + 1u;
          reader.endCode = (1u << (reader.codeSize - 1)) + 1;

@@ -1,5 +1,5 @@
 // docs/format-support.md, line by line: what each function returns in each format, and whether it drew;
-// and what docs/functions.md says that can be tried out. PINCEL_WRITE_TABLES=1 in the environment
+// and what docs/at-a-glance.md says that can be tried out. PINCEL_WRITE_TABLES=1 in the environment
 // rewrites the table of the first page.
 #include <gtest/gtest.h>
 
@@ -165,12 +165,12 @@ TEST(FormatSupport, EveryFunctionOfTheTableDrawsInSomeFormat) {
   EXPECT_EQ(idle, std::set<std::string>{"pincel_draw_stretch_table"});
 }
 
-// docs/functions.md: the cells of each function's row, without the first.
+// docs/at-a-glance.md: the cells of each function's row, without the first.
 enum Column { kColours, kClipping, kResult, kOneArea, kCommonPalette, kExample, kColumns };
 using Facts = std::map<std::string, std::vector<std::string>>;
 
 Facts ReadFacts() {
-  const std::vector<uint8_t> bytes = support::BytesOf(PINCEL_SOURCE_DIR "/docs/functions.md");
+  const std::vector<uint8_t> bytes = support::BytesOf(PINCEL_SOURCE_DIR "/docs/at-a-glance.md");
   std::istringstream page(std::string(bytes.begin(), bytes.end()));
   Facts facts;
   for (std::string line; std::getline(page, line);) {
