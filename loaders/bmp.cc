@@ -121,33 +121,54 @@ void UnpackIndices(uint8_t* dst, const uint8_t* src, size_t count, unsigned bits
   }
 }
 
-// Neighbouring indices that come in small parts, put together and stored at once.
+// Neighbouring indices that come in small parts, put together and stored at once. What follows the
+// last pixel of a row is the first one of the next.
 template <class Format>
 class JoinedIndices {
  public:
   static constexpr size_t kLongestPart = 255, kOvershoot = 64;
 
-  explicit JoinedIndices(const IndexSink<Format>& sink) : sink_(sink) {}
+  JoinedIndices(const IndexSink<Format>& sink, const Rows& rows) : sink_(sink), rows_(rows) {}
 
-  // Where the next up to kLongestPart indices, which belong at `dst`, are to be put. kOvershoot bytes
-  // may be written in any case.
-  uint8_t* Part(uint8_t* dst) {
+  // Where the next up to kLongestPart indices, which belong at column x of row y, are to be put.
+  // kOvershoot bytes may be written in any case.
+  uint8_t* Part(size_t x, size_t y) {
     if (used_ > kSize - kLongestPart) Store();
-    if (used_ == 0) dst_ = dst;
+    if (used_ == 0) x_ = x, y_ = y;
     return indices_ + used_;
   }
   // How many may be put there, kLongestPart or more.
   size_t Room() const { return kSize - used_; }
   void Add(size_t count) { used_ += count; }
   void Store() {
-    if (used_ > 0) sink_.Row(dst_, indices_, used_);
-    used_ = 0;
+    if (used_ == 0) return;
+    const uint8_t* from = indices_;
+    if (x_ != 0) StorePart(from);
+    if (const size_t whole = used_ / rows_.width; whole > 0) {
+      sink_.Store({{At(), rows_.dst_pitch, rows_.width, whole}, from, ptrdiff_t(rows_.width)});
+      from += whole * rows_.width;
+      used_ -= whole * rows_.width;
+      y_ += whole;
+    }
+    if (used_ > 0) StorePart(from);
   }
 
  private:
-  static constexpr size_t kSize = 2048;
+  static constexpr size_t kSize = 4096;
+
+  uint8_t* At() const { return rows_.dst + ptrdiff_t(y_) * rows_.dst_pitch + x_ * Format::kBytes; }
+  void StorePart(const uint8_t*& from) {
+    const size_t count = std::min(used_, rows_.width - x_);
+    sink_.Row(At(), from, count);
+    from += count;
+    used_ -= count;
+    x_ = 0;
+    ++y_;
+  }
+
   const IndexSink<Format>& sink_;
-  uint8_t* dst_ = nullptr;
+  const Rows& rows_;
+  size_t x_ = 0, y_ = 0;
   size_t used_ = 0;
   uint8_t indices_[kSize + kOvershoot];
 };
@@ -155,10 +176,11 @@ class JoinedIndices {
 // Most runs are short. Those are put down without asking how short: a wrong guess of the processor
 // costs more than some bytes too many.
 constexpr size_t kShortRun = 16;
-void PutShortRun(uint8_t* dst, uint8_t index) {
-  const uint64_t eight = uint64_t{index} * 0x0101010101010101;
-  StoreWord(dst, eight);
-  StoreWord(dst + 8, eight);
+void PutShortRun(uint8_t* dst, uint8_t index) { std::memset(dst, index, kShortRun); }
+void PutRun(uint8_t* dst, uint8_t index, size_t count) {
+  constexpr size_t kBlock = 64;
+  static_assert(kBlock <= JoinedIndices<Indexed8>::kOvershoot);
+  for (size_t x = 0; x < count; x += kBlock) std::memset(dst + x, index, kBlock);
 }
 
 // Codes of 8 bits from `count` literals on: these, the run behind them and so on, as long as literals
@@ -168,7 +190,7 @@ void PutShortRun(uint8_t* dst, uint8_t index) {
 // bytes may follow. The reader comes to stand where a file has no padding to come.
 size_t PutAlternating(ByteReader& codes, size_t count, uint8_t* dst, size_t room) {
   constexpr size_t kShortLiterals = 64;
-  constexpr size_t kAhead = kShortLiterals + 1 + 2 + 2;  // padding, a run, and what is next
+  constexpr size_t kAhead = 2 + kShortLiterals + 2 + 2;  // with their code, a run, and what is next
   static_assert(kShortLiterals <= JoinedIndices<Indexed8>::kOvershoot);
   const size_t readable = codes.Readable();
   if (count > std::min(kShortLiterals, room) || readable < kAhead) return 0;
@@ -220,17 +242,24 @@ template <class Format, class Skip>
 RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
                              const IndexSink<Format>& sink, Padding padding, Skip&& skip) {
   size_t x = 0, y = 0;
-  JoinedIndices<Format> joined(sink);
+  JoinedIndices<Format> joined(sink, rows);
+  // Longer runs are stored as pixels at once, unless they take no longer as indices.
+  const size_t longest_joined =
+      Format::kBytes == 1 || ExpandsInRegisters() ? JoinedIndices<Format>::kLongestPart : kShortRun;
   const auto here = [&] { return rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes; };
   const auto add = [&](size_t count) {
     joined.Add(count);
     x += count;
   };
-  const auto skip_to = [&](size_t end_x, size_t end_y, Skipped why) {
+  const auto skip_row_to = [&](size_t end_x, Skipped why) {
+    if (x == end_x) return;
     joined.Store();
-    for (; y < end_y; ++y, x = 0) skip(here(), rows.width - x, why);
     skip(here(), end_x - x, why);
     x = end_x;
+  };
+  const auto skip_to = [&](size_t end_x, size_t end_y, Skipped why) {
+    for (; y < end_y; ++y, x = 0) skip_row_to(rows.width, why);
+    skip_row_to(end_x, why);
   };
   const auto end = [&](RunLengthEnd reason) {
     joined.Store();
@@ -246,25 +275,27 @@ RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
     }
     if (count > 0) {
       const size_t fitting = std::min(count, left);
-      if (bits != 8) {
-        uint8_t pairs[128];
-        std::memset(pairs, code, sizeof(pairs));
-        UnpackIndices(joined.Part(here()), pairs, fitting, bits);
-        add(fitting);
-      } else if (fitting <= kShortRun) {
-        PutShortRun(joined.Part(here()), code);
-        add(fitting);
-      } else {
+      if (bits == 8 && fitting > longest_joined) {
         joined.Store();
         sink.Run(here(), code, fitting);
         x += fitting;
+        continue;
       }
+      uint8_t* const part = joined.Part(x, y);
+      if (bits != 8) {
+        uint8_t pairs[128];
+        std::memset(pairs, code, sizeof(pairs));
+        UnpackIndices(part, pairs, fitting, bits);
+      } else {
+        PutRun(part, code, fitting);
+      }
+      add(fitting);
     } else if (code == 0) {  // end of the row
       skip_to(rows.width, y, Skipped::kByEnd);
       x = 0, ++y;
     } else if (code == 1) {  // end of the bitmap
       skip_to(rows.width, rows.height - 1, Skipped::kByEnd);
-      return RunLengthEnd::kComplete;
+      return end(RunLengthEnd::kComplete);
     } else if (code == 2) {  // move
       const size_t end_x = x + codes.Byte();
       const size_t end_y = y + codes.Byte();
@@ -272,7 +303,7 @@ RunLengthEnd DecodeRunLength(ByteReader codes, unsigned bits, const Rows& rows,
       if (end_x > rows.width || end_y >= rows.height) return end(RunLengthEnd::kMovedOutside);
       skip_to(end_x, end_y, Skipped::kByMove);
     } else {
-      uint8_t* const part = joined.Part(here());
+      uint8_t* const part = joined.Part(x, y);
       if (bits == 8 && (padding == Padding::kOneByte || !codes.AtOddAddress())) {
         const size_t put = PutAlternating(codes, code, part, std::min(left, joined.Room()));
         add(put);

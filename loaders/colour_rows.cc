@@ -47,6 +47,8 @@ void StoreColourBytes(int src_bytes, const SourceRows& rows) {
   }
 }
 
+bool ExpandsInRegisters() { return kHaveByteTables; }
+
 }  // namespace HWY_NAMESPACE
 }  // namespace pincel
 HWY_AFTER_NAMESPACE();
@@ -55,10 +57,12 @@ HWY_AFTER_NAMESPACE();
 namespace pincel {
 
 HWY_EXPORT(StoreColourBytes);
+HWY_EXPORT(ExpandsInRegisters);
 
 void StoreColourBytes(int src_bytes, const SourceRows& rows) {
   HWY_DYNAMIC_DISPATCH(StoreColourBytes)(src_bytes, rows);
 }
+bool ExpandsInRegisters() { return HWY_DYNAMIC_DISPATCH(ExpandsInRegisters)(); }
 
 }  // namespace pincel
 #endif  // HWY_ONCE
