@@ -360,6 +360,31 @@ void AddPaletteBlit(Kind kind, Format f, int size) {
   });
 }
 
+// memcpy as a BMP file lies in memory: off the words, rows from the bottom. `moved` bytes in all.
+void AddUpsideDownMemcpy(Kind kind, Format f, int size, size_t moved) {
+  constexpr size_t kOffset = 54;
+  const size_t row = moved / size_t(size) / 2;
+  Add(kNames[int(kind)], Name(f), size, "memcpy of rows", double(size) * size, [=](Random& random) {
+    auto dst = std::make_shared<Buffer>(moved / 2);
+    auto src = std::make_shared<Buffer>(moved / 2 + kOffset);
+    src->Fill(random);
+    return [=] {
+      const uint8_t* from = src->data() + kOffset;
+      for (uint8_t* to = dst->data() + dst->size(); to != dst->data(); from += row) {
+        to -= row;
+        std::memcpy(to, from, row);
+      }
+    };
+  });
+}
+
+// Bytes per pixel that LoadBMP reads and writes: at 32 bits it keeps the fourth byte of true colour.
+size_t BytesMoved(Kind kind, Format f) {
+  const size_t written = size_t(Bytes(f));
+  if (kind != Kind::kBmp24) return 1 + written;
+  return 3 + written + (f == Format::k32 ? written : 0);
+}
+
 void AddFile(Kind kind, Format f, int size) {
   AddLoader(kind, f, size, "pincel",
             [kind](Surface& s, const File& file) { return Load(kind, s.desc, file); });
@@ -369,10 +394,13 @@ void AddFile(Kind kind, Format f, int size) {
   const bool bmp = !gif && kind != Kind::kJpeg;
   const size_t pixels = size_t(size) * size_t(size);
   if (bmp && f != Format::k8) {
-    const size_t moved = kind == Kind::kBmp24 ? 3 : 1;
-    AddMemcpy(kNames[int(kind)], Name(f), size, double(pixels),
-              (moved + size_t(Bytes(f))) * pixels);
-    if (kind != Kind::kBmp24) AddPaletteBlit(kind, f, size);
+    const size_t moved = BytesMoved(kind, f) * pixels;
+    AddMemcpy(kNames[int(kind)], Name(f), size, double(pixels), moved);
+    if (kind == Kind::kBmp24) {
+      AddUpsideDownMemcpy(kind, f, size, moved);
+    } else {
+      AddPaletteBlit(kind, f, size);
+    }
   }
 #if PINCEL_BENCH_SDL2
   if (bmp && kind != Kind::kRunsFlat && kind != Kind::kRunsPhoto) {

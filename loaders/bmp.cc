@@ -57,12 +57,13 @@ using Colours = std::array<TRGBA, 256>;
 
 // A table of `count` entries of three or four bytes, opaque; black beyond its end.
 Colours OpaqueColours(const uint8_t* table, size_t count, size_t entry_bytes) {
-  Colours colours{};
+  Colours colours;
   if (entry_bytes == 4) {
     std::memcpy(colours.data(), table, 4 * count);
   } else {
     for (size_t i = 0; i < count; ++i) std::memcpy(&colours[i], table + 3 * i, 3);
   }
+  std::fill(colours.begin() + ptrdiff_t(count), colours.end(), TRGBA{});
   for (TRGBA& colour : colours) colour.alpha = 0xFF;
   return colours;
 }
