@@ -1,4 +1,5 @@
 // DoFactor and DoGradient.
+#include "convert/convert_rows.h"
 #include "filters/tone_rows.h"
 #include "surface/format_dispatch.h"
 
@@ -17,8 +18,8 @@ class Ramp {
   Ramp(int from, int to, int width)
       : value_(from * 65536), step_(int32_t(double(to - from) / width * 65536)) {}
 
-  uint8_t Next() {
-    const uint8_t byte = Integer(value_);
+  uint32_t Next() {
+    const uint32_t byte = Integer(value_);
     value_ += step_;
     return byte;
   }
@@ -26,26 +27,66 @@ class Ramp {
  private:
   // Of a negative value the one's complement of its high half. Steps are truncated toward zero, so
   // that a ramp does not get there.
-  static constexpr uint8_t Integer(int32_t value) {
-    return uint8_t(value < 0 ? ~(value >> 16) : value >> 16);
+  static constexpr uint32_t Integer(int32_t value) {
+    return uint32_t(value >> 16 ^ value >> 31) & 0xFF;
   }
 
   int32_t value_, step_;
 };
 
-// Paints the first row and copies it to the others.
+// The first row, as 32-bit pixels that are packed piece by piece.
+template <class Format>
+void PaintRow(uint8_t* dst, size_t width, Ramp blue, Ramp green, Ramp red) {
+  constexpr size_t kPiece = 256;
+  uint32_t words[kPiece];
+  for (size_t x = 0; x < width; x += kPiece) {
+    const size_t count = std::min(kPiece, width - x);
+    for (size_t i = 0; i < count; ++i) {
+      words[i] = blue.Next() | green.Next() << 8 | red.Next() << 16;
+    }
+    uint8_t* const to = dst + x * Format::kBytes;
+    if constexpr (Format::kBytes == 4) {
+      std::memcpy(to, words, count * 4);
+    } else {
+      using Alpha =
+          std::conditional_t<FieldsOf<Format>::Alpha::kWidth % 8 == 0, NoAlpha, AlphaOfSource>;
+      Repack<Repacking<Format, Argb8888, Alpha>>(
+          {{to, 0, count, 1}, reinterpret_cast<const uint8_t*>(words), 0});
+    }
+  }
+}
+
+// Copies the first row to all others. Where rows follow each other, first to as many as the nearest
+// cache holds, by ever larger pieces; these then to all others.
+void RepeatFirstRow(const Rows& rows, size_t row_bytes) {
+  constexpr size_t kPiece = 16384, kCached = size_t{1} << 20;
+  if (rows.dst_pitch != ptrdiff_t(row_bytes)) {
+    for (size_t y = 1; y < rows.height; ++y) {
+      std::memmove(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.dst, row_bytes);
+    }
+    return;
+  }
+  const size_t size = rows.height * row_bytes;
+  const size_t most = std::min(std::max<size_t>(kPiece / row_bytes, 1) * row_bytes, size);
+  for (size_t done = row_bytes; done < most; done *= 2) {
+    std::memcpy(rows.dst + done, rows.dst, std::min(done, most - done));
+  }
+  if (size <= kCached) {
+    RepeatBytes(rows.dst, most, size);
+    return;
+  }
+  // The string copy behind memcpy does not read what it overwrites.
+  for (size_t done = most; done < size; done += most) {
+    std::memcpy(rows.dst + done, rows.dst, std::min(most, size - done));
+  }
+}
+
 template <class Format>
 void FillGradient(const TSurfDesc& image, Bgr from, Bgr to) {
-  Ramp blue(from.blue, to.blue, image.width), green(from.green, to.green, image.width),
-      red(from.red, to.red, image.width);
   const Rows rows = AllRows<Format>(image);
-  for (size_t x = 0; x < rows.width; ++x) {
-    const Bgr colour = {blue.Next(), green.Next(), red.Next()};
-    Format::Store(rows.dst + x * Format::kBytes, Format::Pack(colour));
-  }
-  for (size_t y = 1; y < rows.height; ++y) {
-    std::memmove(rows.dst + ptrdiff_t(y) * rows.dst_pitch, rows.dst, rows.width * Format::kBytes);
-  }
+  PaintRow<Format>(rows.dst, rows.width, Ramp(from.blue, to.blue, image.width),
+                   Ramp(from.green, to.green, image.width), Ramp(from.red, to.red, image.width));
+  RepeatFirstRow(rows, rows.width * Format::kBytes);
 }
 
 }  // namespace

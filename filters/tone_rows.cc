@@ -108,6 +108,24 @@ void ScaleFields(int format, const Rows& pixels, uint32_t factor) {
   }
 }
 
+struct ByteCopyKernel {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
+    hn::StoreU(hn::LoadU(d, src), d, dst);
+  }
+  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
+};
+
+void RepeatBytes(uint8_t* bytes, size_t piece, size_t size) {
+  for (size_t done = piece; done < size; done += piece) {
+    RepeatableRow(hn::ScalableTag<uint8_t>(), ByteCopyKernel(), bytes + done, bytes,
+                  HWY_MIN(piece, size - done));
+  }
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace pincel
 HWY_AFTER_NAMESPACE();
@@ -118,6 +136,7 @@ namespace pincel {
 HWY_EXPORT(ScaleBytes);
 HWY_EXPORT(ScaleWords);
 HWY_EXPORT(ScaleFields);
+HWY_EXPORT(RepeatBytes);
 
 void ScaleBytes(const Rows& bytes, uint32_t factor) {
   HWY_DYNAMIC_DISPATCH(ScaleBytes)(bytes, factor);
@@ -127,6 +146,9 @@ void ScaleWords(const Rows& pixels, uint32_t colour, uint32_t fourth) {
 }
 void ScaleFields(int format, const Rows& pixels, uint32_t factor) {
   HWY_DYNAMIC_DISPATCH(ScaleFields)(format, pixels, factor);
+}
+void RepeatBytes(uint8_t* bytes, size_t piece, size_t size) {
+  HWY_DYNAMIC_DISPATCH(RepeatBytes)(bytes, piece, size);
 }
 
 }  // namespace pincel

@@ -1,4 +1,4 @@
-// Scaling of pixels, for the instruction set of the machine. Factors count in 256ths; 256 keeps.
+// Scaling and repeating of pixels, for the instruction set of the machine. Factors count in 256ths; 256 keeps.
 #ifndef FILTERS_TONE_ROWS_H_
 #define FILTERS_TONE_ROWS_H_
 
@@ -14,6 +14,10 @@ void ScaleBytes(const Rows& bytes, uint32_t factor);
 void ScaleWords(const Rows& pixels, uint32_t colour, uint32_t fourth);
 // The colour fields of 16-bit pixels; alpha bits are kept. `format` is that of the pixels.
 void ScaleFields(int format, const Rows& pixels, uint32_t factor);
+
+// Fills `size` bytes with copies of the first `piece` of them. For what the caches hold: there this is
+// faster than memcpy.
+void RepeatBytes(uint8_t* bytes, size_t piece, size_t size);
 
 // Operations that take a surface's memory as one run know that it has height x pitch bytes.
 inline size_t BufferBytes(const TSurfDesc& surface) {
