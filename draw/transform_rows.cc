@@ -129,45 +129,25 @@ void CopyReversed(int pixel_bytes, uint8_t* dst, const uint8_t* src, size_t coun
   }
 }
 
-// Turning. A square of pixels, 16 bytes wide, is transposed in each block of 16 bytes of a vector: the
-// blocks hold squares that lie below each other in the source and side by side in the destination.
-// 24-bit pixels are words on the way.
+// Turning. Squares of pixels as wide as a vector are transposed: first the squares of 16 x 16 bytes in
+// them, by interleaving vectors, each in its blocks of 16 bytes, then the blocks. So whole cache lines
+// are read and written at a time, which must not wait for each other where they compete for the same
+// places in the cache, as lines below each other often do. 24-bit pixels are words on the way.
 template <class Format>
 struct Square {
   using Lane = std::conditional_t<Format::kBytes == 3, uint32_t, typename Format::Word>;
   static constexpr bool kVectorWins = Format::kBytes != 3 || kHaveByteShuffle;
-  static constexpr size_t kSide = 16 / sizeof(Lane);
-  // Source rows must be longer than this for loads of 16 bytes to stay in them.
-  static constexpr size_t kLeastWidth = (16 + Format::kBytes - 1) / Format::kBytes;
+  // Pixels of a source row that are loaded for a side, which may be more.
+  static constexpr size_t LoadedWidth(size_t side) {
+    return Format::kBytes == 3 ? (side * 4 + 2) / 3 : side;
+  }
 };
 
 #if HWY_TARGET != HWY_SCALAR  // nothing is instantiated where there are no vectors
 
-// Each block from `block_step` bytes behind the one before.
-template <class D>
-HWY_INLINE hn::VFromD<D> LoadBlocks(D d, const uint8_t* p, ptrdiff_t block_step) {
-  constexpr size_t kBlocks = sizeof(hn::TFromD<D>) * hn::MaxLanes(D()) / 16;
-  if constexpr (kBlocks == 1) {
-    return hn::LoadU(d, reinterpret_cast<const hn::TFromD<D>*>(p));
-  } else {
-    const hn::Half<D> half;
-    return hn::Combine(d, LoadBlocks(half, p + ptrdiff_t(kBlocks / 2) * block_step, block_step),
-                       LoadBlocks(half, p, block_step));
-  }
-}
-
-// The triples that start at byte `first` of each block, as words.
-template <size_t first, class D>
-HWY_INLINE hn::VFromD<D> SpreadBlocks(D d, hn::VFromD<D> blocks) {
-  const hn::Repartition<uint8_t, D> d8;
-  static constexpr auto kByte = MakeTable<uint8_t, hn::MaxLanes(d8)>(
-      [](size_t i) { return i % 4 == 3 ? 0x80 : first + i % 16 / 4 * 3 + i % 4; });
-  return hn::BitCast(d, hn::TableLookupBytes(hn::BitCast(d8, blocks), hn::Load(d8, kByte.at)));
-}
-
 // Each stage interleaves the first half of the vectors with the second.
 template <class D, size_t side>
-HWY_INLINE void TransposeBlocks(D d, hn::VFromD<D> (&v)[side]) {
+HWY_INLINE void TransposeInBlocks(D d, hn::VFromD<D> (&v)[side]) {
   HWY_UNROLL(4)
   for (size_t stage = side; stage > 1; stage /= 2) {
     hn::VFromD<D> joined[side];
@@ -181,69 +161,145 @@ HWY_INLINE void TransposeBlocks(D d, hn::VFromD<D> (&v)[side]) {
   }
 }
 
-// Fills Lanes(d) columns, from x on, of as many destination rows as a square has.
+// The lower or the upper halves of two vectors in memory. With 64 lanes it is shuffles that take the
+// time, and loading halves saves some.
+template <bool upper, class D, class T = hn::TFromD<D>>
+HWY_INLINE hn::VFromD<D> LoadHalves(D d, const T* first, const T* second) {
+  constexpr size_t kLanes = hn::MaxLanes(D());
+  if constexpr (kLanes == 64) {
+    const hn::Half<D> half;
+    constexpr size_t kFrom = upper ? kLanes / 2 : 0;
+    return hn::Combine(d, hn::Load(half, second + kFrom), hn::Load(half, first + kFrom));
+  } else if constexpr (upper) {
+    return hn::ConcatUpperUpper(d, hn::Load(d, second), hn::Load(d, first));
+  } else {
+    return hn::ConcatLowerLower(d, hn::Load(d, second), hn::Load(d, first));
+  }
+}
+
+// The even or the odd blocks of two vectors of four, in turn.
+template <size_t odd, class D, class V = hn::VFromD<D>>
+HWY_INLINE V InterleaveBlocks(D d, V first, V second) {
+  const hn::Repartition<uint64_t, D> d64;
+  static constexpr auto kFrom =
+      MakeTable<uint64_t, 8>([](size_t i) { return i / 4 * 4 + i / 2 % 2 * 8 + odd * 2 + i % 2; });
+  return hn::BitCast(
+      d, hn::TwoTablesLookupLanes(d64, hn::BitCast(d64, first), hn::BitCast(d64, second),
+                                  hn::SetTableIndices(d64, kFrom.at)));
+}
+
+// Block b of row i becomes block i of vector b.
+template <class D, size_t blocks, class T = hn::TFromD<D>>
+HWY_INLINE void LoadTransposedBlocks(D d, const T (&rows)[blocks][blocks * 16 / sizeof(T)],
+                                     hn::VFromD<D> (&v)[blocks]) {
+  if constexpr (blocks == 1) {
+    v[0] = hn::Load(d, rows[0]);
+  } else if constexpr (blocks == 2) {
+    v[0] = LoadHalves<false>(d, rows[0], rows[1]);
+    v[1] = LoadHalves<true>(d, rows[0], rows[1]);
+  } else {
+    const auto low_even = LoadHalves<false>(d, rows[0], rows[2]);
+    const auto low_odd = LoadHalves<false>(d, rows[1], rows[3]);
+    const auto high_even = LoadHalves<true>(d, rows[0], rows[2]);
+    const auto high_odd = LoadHalves<true>(d, rows[1], rows[3]);
+    v[0] = InterleaveBlocks<0>(d, low_even, low_odd);
+    v[1] = InterleaveBlocks<1>(d, low_even, low_odd);
+    v[2] = InterleaveBlocks<0>(d, high_even, high_odd);
+    v[3] = InterleaveBlocks<1>(d, high_even, high_odd);
+  }
+}
+
+// Lanes(d) pixels as lanes. At the end of a row, pixels of three bytes are loaded with bytes before
+// them instead of behind them.
 template <class Format, class D>
-HWY_INLINE void TransposeSquares(D d, const SourceRows& rows, size_t x, size_t y) {
-  constexpr size_t kSide = Square<Format>::kSide;
-  hn::VFromD<D> v[kSide];
-  const uint8_t* src = rows.src + ptrdiff_t(x) * rows.src_pitch + y * Format::kBytes;
-  const ptrdiff_t block_step = ptrdiff_t(kSide) * rows.src_pitch;
-  uint8_t* dst = rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes;
+HWY_INLINE hn::VFromD<D> LoadLanes(D d, const uint8_t* p, bool at_end) {
   if constexpr (Format::kBytes == 3) {
-    // At the end of a row the four pixels are the last of the 16 bytes.
-    if (y + Square<Format>::kLeastWidth <= rows.height) {
-      HWY_UNROLL(4)
-      for (size_t i = 0; i < kSide; ++i) {
-        v[i] = SpreadBlocks<0>(d, LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step));
-      }
-    } else {
-      for (size_t i = 0; i < kSide; ++i) {
-        v[i] =
-            SpreadBlocks<4>(d, LoadBlocks(d, src - 4 + ptrdiff_t(i) * rows.src_pitch, block_step));
-      }
-    }
-    TransposeBlocks(d, v);
     const hn::Repartition<uint8_t, D> d8;
-    const hn::Half<decltype(d8)> half;
-    const hn::Half<decltype(half)> quarter;
-    HWY_UNROLL(4)
-    for (size_t i = 0; i < kSide; ++i) {
-      uint8_t* const to = dst + ptrdiff_t(i) * rows.dst_pitch;
-      const auto triples = GatherTriples(d8, v[i]);
-      hn::StoreU(hn::LowerHalf(half, triples), half, to);
-      hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, triples)), quarter,
-                 to + hn::MaxLanes(half));
+    constexpr size_t kBefore = hn::MaxLanes(d8) / 4;
+    return at_end ? SpreadTriples<kBefore>(d8, hn::LoadU(d8, p - kBefore))
+                  : SpreadTriples<0>(d8, hn::LoadU(d8, p));
+  } else {
+    return hn::LoadU(d, reinterpret_cast<const hn::TFromD<D>*>(p));
+  }
+}
+template <class Format, class D>
+HWY_INLINE void StoreLanes(D d, hn::VFromD<D> v, uint8_t* p) {
+  if constexpr (Format::kBytes == 3) {
+    const hn::Repartition<uint8_t, D> d8;
+    constexpr size_t kSize = hn::MaxLanes(d8);
+    if constexpr (kHaveByteTables) {
+      static constexpr auto kFrom =
+          MakeTable<uint8_t, kSize>([](size_t i) { return HWY_MIN(i / 3 * 4 + i % 3, kSize - 1); });
+      const auto triples =
+          hn::TableLookupLanes(hn::BitCast(d8, v), hn::SetTableIndices(d8, kFrom.at));
+      hn::BlendedStore(triples, hn::FirstN(d8, kSize / 4 * 3), d8, p);
+    } else {
+      const hn::Half<decltype(d8)> half;
+      const hn::Half<decltype(half)> quarter;
+      const auto triples = GatherTriples(d8, v);
+      hn::StoreU(hn::LowerHalf(half, triples), half, p);
+      hn::StoreU(hn::LowerHalf(quarter, hn::UpperHalf(half, triples)), quarter, p + kSize / 2);
     }
   } else {
+    hn::StoreU(v, d, reinterpret_cast<hn::TFromD<D>*>(p));
+  }
+}
+
+// Fills Lanes(d) columns, from x on, of as many destination rows.
+template <class Format, class D>
+HWY_INLINE void TransposeSquare(D d, const SourceRows& rows, size_t x, size_t y) {
+  constexpr size_t kWidth = hn::MaxLanes(D()), kSide = 16 / sizeof(hn::TFromD<D>);
+  constexpr size_t kBlocks = kWidth / kSide;
+  const uint8_t* src = rows.src + ptrdiff_t(x) * rows.src_pitch + y * Format::kBytes;
+  uint8_t* dst = rows.dst + ptrdiff_t(y) * rows.dst_pitch + x * Format::kBytes;
+  const bool at_end = y + Square<Format>::LoadedWidth(kWidth) > rows.height;
+  alignas(64) hn::TFromD<D> between[kSide][kBlocks][kWidth];
+  for (size_t block = 0; block < kBlocks; ++block) {
+    hn::VFromD<D> v[kSide];
     HWY_UNROLL(16)
-    for (size_t i = 0; i < kSide; ++i) {
-      v[i] = LoadBlocks(d, src + ptrdiff_t(i) * rows.src_pitch, block_step);
+    for (size_t i = 0; i < kSide; ++i, src += rows.src_pitch) {
+      v[i] = LoadLanes<Format>(d, src, at_end);
     }
-    TransposeBlocks(d, v);
+    TransposeInBlocks(d, v);
     HWY_UNROLL(16)
-    for (size_t i = 0; i < kSide; ++i) {
-      hn::StoreU(v[i], d, reinterpret_cast<hn::TFromD<D>*>(dst + ptrdiff_t(i) * rows.dst_pitch));
+    for (size_t i = 0; i < kSide; ++i) hn::Store(v[i], d, between[i][block]);
+  }
+  for (size_t i = 0; i < kSide; ++i, dst += rows.dst_pitch) {
+    hn::VFromD<D> v[kBlocks];
+    LoadTransposedBlocks(d, between[i], v);
+    HWY_UNROLL(4)
+    for (size_t block = 0; block < kBlocks; ++block) {
+      StoreLanes<Format>(d, v[block], dst + ptrdiff_t(block * kSide) * rows.dst_pitch);
     }
   }
 }
 
 #endif  // HWY_TARGET != HWY_SCALAR
 
-// How many destination rows are done at a time: a run of each source row that fills cache lines.
-constexpr size_t kTransposedRows = 64;
-
 // The last squares of a row and of a column overlap those before.
 template <class Format, class D>
 HWY_INLINE void Transpose(D d, const SourceRows& rows) {
   if constexpr (UsesVectors<Square<Format>>()) {
-    constexpr size_t kSide = Square<Format>::kSide, kAcross = hn::MaxLanes(D());
-    if (rows.width >= kAcross && rows.height >= Square<Format>::kLeastWidth) {
-      for (size_t top = 0; top < rows.height; top += kTransposedRows) {
-        const size_t bottom = HWY_MIN(top + kTransposedRows, rows.height);
-        for (size_t left = 0; left < rows.width; left += kAcross) {
-          const size_t x = HWY_MIN(left, rows.width - kAcross);
-          for (size_t y = top; y < bottom; y += kSide) {
-            TransposeSquares<Format>(d, rows, x, HWY_MIN(y, rows.height - kSide));
+    constexpr size_t kSide = hn::MaxLanes(D());
+    if (rows.width >= kSide && rows.height >= Square<Format>::LoadedWidth(kSide)) {
+      // One row of squares after the other, so that few cache lines are written at a time, but not
+      // too long ones, so that source lines are near when the next row reads beside them. In long
+      // rows all squares but the first start on a boundary where that holds for all rows.
+      constexpr size_t kRun = 4 * kSide * sizeof(hn::TFromD<D>), kBoundary = kSide * Format::kBytes;
+      size_t back = 0;
+      if constexpr (Format::kBytes != 3) {
+        if (rows.width > kRun && rows.dst_pitch % ptrdiff_t(kBoundary) == 0) {
+          back = (kSide - PixelsToBoundary<Format::kBytes, kBoundary>(rows.dst)) % kSide;
+        }
+      }
+      const size_t end = rows.width + back;
+      for (size_t run = 0; run < end; run += kRun) {
+        const size_t run_end = HWY_MIN(run + kRun, end);
+        for (size_t top = 0; top < rows.height; top += kSide) {
+          const size_t y = HWY_MIN(top, rows.height - kSide);
+          for (size_t left = run; left < run_end; left += kSide) {
+            const size_t x = HWY_MIN(left - HWY_MIN(left, back), rows.width - kSide);
+            TransposeSquare<Format>(d, rows, x, y);
           }
         }
       }
