@@ -219,9 +219,9 @@ void CopyColumns(int pixel_bytes, const TileColumns& columns, const CopiedRow* r
   }
 }
 
-// Doubling. Both rows are stored from the same registers: the second lies `to_second` bytes behind the
-// first, 0 when there is only one.
-template <class Format>
+// Doubling, into one row or into both from the same registers: the second lies `to_second` bytes behind
+// the first.
+template <class Format, bool both_rows>
 struct PixelDoubler {
   using Tag =
       std::conditional_t<Format::kBytes == 4, hn::ScalableTag<uint32_t>, hn::ScalableTag<uint8_t>>;
@@ -236,7 +236,7 @@ struct PixelDoubler {
   HWY_INLINE void HalfPixel(uint8_t* dst, const uint8_t* src) const {
     const auto pixel = Format::Load(src);
     Format::Store(dst, pixel);
-    Format::Store(dst + to_second, pixel);
+    if constexpr (both_rows) Format::Store(dst + to_second, pixel);
   }
 
 #if HWY_TARGET != HWY_SCALAR
@@ -244,26 +244,26 @@ struct PixelDoubler {
   HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
     if constexpr (Format::kBytes == 4) {
       const auto pixels = LoadPixels(d, src);
-      StoreTwice<0>(d, dst, hn::InterleaveWholeLower(d, pixels, pixels));
-      StoreTwice<1>(d, dst, hn::InterleaveWholeUpper(d, pixels, pixels));
+      StoreRows<0>(d, dst, hn::InterleaveWholeLower(d, pixels, pixels));
+      StoreRows<1>(d, dst, hn::InterleaveWholeUpper(d, pixels, pixels));
     } else {
-      StoreTwice<0>(d, dst, Doubled<0>(d, src));
-      StoreTwice<1>(d, dst, Doubled<1>(d, src));
-      StoreTwice<2>(d, dst, Doubled<2>(d, src));
-      StoreTwice<3>(d, dst, Doubled<3>(d, src));
-      StoreTwice<4>(d, dst, Doubled<4>(d, src));
-      StoreTwice<5>(d, dst, Doubled<5>(d, src));
+      StoreRows<0>(d, dst, Doubled<0>(d, src));
+      StoreRows<1>(d, dst, Doubled<1>(d, src));
+      StoreRows<2>(d, dst, Doubled<2>(d, src));
+      StoreRows<3>(d, dst, Doubled<3>(d, src));
+      StoreRows<4>(d, dst, Doubled<4>(d, src));
+      StoreRows<5>(d, dst, Doubled<5>(d, src));
     }
   }
 
  private:
   template <size_t index, class D>
-  HWY_INLINE void StoreTwice(D d, uint8_t* dst, hn::VFromD<D> v) const {
+  HWY_INLINE void StoreRows(D d, uint8_t* dst, hn::VFromD<D> v) const {
     constexpr size_t kLanes = hn::MaxLanes(D());
-    auto* const first = reinterpret_cast<hn::TFromD<D>*>(dst) + index * kLanes;
-    auto* const second = reinterpret_cast<hn::TFromD<D>*>(dst + to_second) + index * kLanes;
-    hn::StoreU(v, d, first);
-    hn::StoreU(v, d, second);
+    hn::StoreU(v, d, reinterpret_cast<hn::TFromD<D>*>(dst) + index * kLanes);
+    if constexpr (both_rows) {
+      hn::StoreU(v, d, reinterpret_cast<hn::TFromD<D>*>(dst + to_second) + index * kLanes);
+    }
   }
 
   // The source byte of a byte of a doubled row of triples, and where to start loading `size` bytes
@@ -305,17 +305,32 @@ struct PixelDoubler {
 #endif
 };
 
+// Areas that caches do not hold are written row by row: one stream is faster there than two.
+inline constexpr size_t kDoubledTogether = size_t{8} << 20;
+
+template <class Format, bool both_rows>
+HWY_INLINE void DoubleRow(const SourceRows& rows, bool half_column, uint8_t* dst,
+                          const uint8_t* src) {
+  const typename PixelDoubler<Format, both_rows>::Tag d;
+  const PixelDoubler<Format, both_rows> doubler{rows.dst_pitch};
+  if (half_column) doubler.HalfPixel(dst, src);
+  const size_t done = half_column ? Format::kBytes : 0;
+  RepeatableRow(d, doubler, dst + done, src + done, rows.width / 2);
+}
+
 template <class Format>
 HWY_INLINE void DoublePixelsOf(const SourceRows& rows, bool half_column, bool half_row) {
-  const typename PixelDoubler<Format>::Tag d;
+  const bool together = rows.width * rows.height <= kDoubledTogether / Format::kBytes;
   const uint8_t* src = rows.src;
   for (size_t y = 0; y < rows.height; src += rows.src_pitch) {
-    const bool single = half_row && y == 0;
-    const PixelDoubler<Format> doubler{single ? 0 : rows.dst_pitch};
     uint8_t* const dst = rows.dst + ptrdiff_t(y) * rows.dst_pitch;
-    if (half_column) doubler.HalfPixel(dst, src);
-    const size_t done = half_column ? Format::kBytes : 0;
-    RepeatableRow(d, doubler, dst + done, src + done, rows.width / 2);
+    const bool single = half_row && y == 0;
+    if (single || !together) {
+      DoubleRow<Format, false>(rows, half_column, dst, src);
+      if (!single) DoubleRow<Format, false>(rows, half_column, dst + rows.dst_pitch, src);
+    } else {
+      DoubleRow<Format, true>(rows, half_column, dst, src);
+    }
     y += single ? 1 : 2;
   }
 }
