@@ -34,15 +34,47 @@ struct ReversedRun<Rgb888> {
   static constexpr bool kVectorWins = kHaveByteShuffle;
 
   template <class D>
-  static HWY_INLINE Words<D> Load(D d, const uint8_t* p) {
-    const WordTag<D> d32;
-    const Words<D> words = LoadWords<3>(d, p);
-    return {hn::Reverse(d32, words.v3), hn::Reverse(d32, words.v2), hn::Reverse(d32, words.v1),
-            hn::Reverse(d32, words.v0)};
+  static HWY_INLINE auto Load(D d, const uint8_t* p) {
+    if constexpr (kHaveByteTables) {
+      // The middle third is all of the middle vector and bytes of the other two next to it.
+      constexpr size_t kSize = hn::MaxLanes(D());
+      auto run = LoadThirds(d, p);
+      const auto lower = run.v0, middle = run.v1, upper = run.v2;
+      run.v0 = ReversedThird<0>(d, middle, upper);
+      run.v1 = ReversedThird<1>(d, middle, hn::IfThenElse(hn::FirstN(d, kSize / 2), upper, lower));
+      run.v2 = ReversedThird<2>(d, lower, middle);
+      return run;
+    } else {
+      const WordTag<D> d32;
+      const Words<D> words = LoadWords<3>(d, p);
+      return Words<D>{hn::Reverse(d32, words.v3), hn::Reverse(d32, words.v2),
+                      hn::Reverse(d32, words.v1), hn::Reverse(d32, words.v0)};
+    }
   }
-  template <class D>
-  static HWY_INLINE void Store(D d, const Words<D>& run, uint8_t* p) {
-    StoreWords<3>(d, run, p);
+  template <class D, class Run>
+  static HWY_INLINE void Store(D d, const Run& run, uint8_t* p) {
+    if constexpr (kHaveByteTables) {
+      constexpr size_t kSize = hn::MaxLanes(D());
+      hn::StoreU(run.v0, d, p);
+      hn::StoreU(run.v1, d, p + kSize);
+      hn::StoreU(run.v2, d, p + 2 * kSize);
+    } else {
+      StoreWords<3>(d, run, p);
+    }
+  }
+
+ private:
+  // A third of the reversed run from two vectors: the lower third is in the upper two, the upper one in
+  // the lower two.
+  template <size_t third, class D, class V = hn::VFromD<D>>
+  static HWY_INLINE V ReversedThird(D d, V first, V second) {
+    constexpr size_t kSize = hn::MaxLanes(D());
+    static constexpr auto kFrom = MakeTable<uint8_t, kSize>([](size_t i) {
+      const size_t byte = third * kSize + i, source = (kSize - 1 - byte / 3) * 3 + byte % 3;
+      if (third != 1) return source - (third == 0 ? kSize : 0);
+      return source % kSize + (source / kSize == 1 ? 0 : kSize);
+    });
+    return hn::TwoTablesLookupLanes(d, first, second, hn::SetTableIndices(d, kFrom.at));
   }
 };
 
