@@ -47,7 +47,10 @@ if(WIN32)
   target_link_options(pincel PRIVATE
     -static-libstdc++ -shared-libgcc LINKER:--no-insert-timestamp)
   # Nor is one inserted when the DLL is stripped for a package.
-  install(CODE "set(ENV{SOURCE_DATE_EPOCH} 0)" ALL_COMPONENTS)
+  install(CODE "if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+      set(ENV{SOURCE_DATE_EPOCH} 0)
+      set(pincel_set_epoch TRUE)
+    endif()" ALL_COMPONENTS)
 
   set(PINCEL_RUNTIME_DLL libgcc_s_dw2-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${PINCEL_RUNTIME_DLL}
