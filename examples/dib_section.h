@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-#include "host_surface.h"
+#include "formats.h"
 
 class DibSection {
  public:

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "host_surface.h"
+#include "formats.h"
 
 class SdlWindow {
  public:
