@@ -184,11 +184,11 @@ void PutRun(uint8_t* dst, uint8_t index, size_t count) {
   for (size_t x = 0; x < count; x += kBlock) std::memset(dst + x, index, kBlock);
 }
 
-// Codes of 8 bits from `count` literals on: these, the run behind them and so on, as long as literals
-// and runs alternate and are short, which in dithered pictures almost all of them are. Either is put
-// down whole; that there are no literals before a run makes no difference but to their number, for
-// there a guess would often be wrong. Gives how many indices there are, at most `room`; kOvershoot
-// bytes may follow. The reader comes to stand where a file has no padding to come.
+// Codes of 8 bits from `count` literals on, for as long as literals and runs alternate and are short,
+// which in dithered pictures almost all are. Both are put down without asking how short. Nor is it
+// asked whether there are literals before a run: they are copied in any case, and perhaps not
+// counted. Literals of an odd number are padded. Gives how many indices there are, at most `room`;
+// kOvershoot bytes behind them may be written, too.
 size_t PutAlternating(ByteReader& codes, size_t count, uint8_t* dst, size_t room) {
   constexpr size_t kShortLiterals = 64;
   constexpr size_t kAhead = 2 + kShortLiterals + 2 + 2;  // with their code, a run, and what is next

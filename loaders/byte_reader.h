@@ -7,11 +7,12 @@
 
 namespace pincel {
 
-// The address sanitizer knows of bytes, not only of pages, what may be read.
-#if defined(__SANITIZE_ADDRESS__)
+// Sanitizers know of bytes, not only of pages, who may read them.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kBytesAreWatched = true;
 #elif defined(__has_feature)
-inline constexpr bool kBytesAreWatched = __has_feature(address_sanitizer);
+inline constexpr bool kBytesAreWatched =
+    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
 #else
 inline constexpr bool kBytesAreWatched = false;
 #endif
