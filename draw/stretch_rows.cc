@@ -164,7 +164,7 @@ HWY_INLINE void WithVectors(size_t vectors_each, Function&& function) {
 }
 
 template <class Format, size_t vectors_each, class Windows>
-HWY_INLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_t height) {
+HWY_NOINLINE void CopyWindows(const Windows& windows, const CopiedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
   const auto colour = hn::BitCast(d, hn::Set(d32, 0x00FFFFFF));
@@ -458,8 +458,8 @@ HWY_INLINE hn::VFromD<D> LoadPairs(D d32, const Windows<kPairBytes>& windows, si
 }
 
 template <class Format, size_t vectors_each>
-HWY_INLINE void SmoothWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
-                              const MixedRow* rows, size_t height) {
+HWY_NOINLINE void SmoothWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
+                                const MixedRow* rows, size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
   for (const MixedRow* row = rows; row != rows + height; ++row) {
@@ -514,8 +514,9 @@ struct InterpolatedRow {
 };
 
 template <class Format, size_t vectors_each>
-HWY_INLINE void InterpolateWindows(const Windows<kPairBytes>& windows, const MixedColumns& columns,
-                                   const MixedRow* rows, size_t height) {
+HWY_NOINLINE void InterpolateWindows(const Windows<kPairBytes>& windows,
+                                     const MixedColumns& columns, const MixedRow* rows,
+                                     size_t height) {
   const ByteTag d;
   const WordTag<ByteTag> d32;
   InterpolatedRow interpolated[2];
@@ -782,9 +783,9 @@ HWY_INLINE bool FindBlocks(BlockWindows& windows, const Blocks& blocks) {
 #if HWY_TARGET != HWY_SCALAR
 
 template <class Format, size_t vectors_each>
-HWY_INLINE void AverageWindows(const BlockWindows& windows, const Blocks& blocks,
-                               const BlockAverages& averages, const ColumnSums& columns,
-                               uint8_t* dst) {
+HWY_NOINLINE void AverageWindows(const BlockWindows& windows, const Blocks& blocks,
+                                 const BlockAverages& averages, const ColumnSums& columns,
+                                 uint8_t* dst) {
   const ByteTag d;
   const HalfWordTag<ByteTag> d16;
   const hn::Half<ByteTag> half;
