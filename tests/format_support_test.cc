@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
@@ -194,6 +196,9 @@ Facts ReadFacts() {
 
 class FunctionsPage : public testing::Test {
  protected:
+  FunctionsPage() { std::copy(std::begin(lu_gPaleta), std::end(lu_gPaleta), palette_.begin()); }
+  ~FunctionsPage() override { std::copy(palette_.begin(), palette_.end(), lu_gPaleta); }
+
   const std::string& Cell(const Function& function, Column column) {
     return facts_.at(function.plain_name).at(column);
   }
@@ -202,6 +207,9 @@ class FunctionsPage : public testing::Test {
   }
 
   Facts facts_ = ReadFacts();
+
+ private:
+  std::array<TRGBA, 256> palette_;  // which all tests share
 };
 
 TEST_F(FunctionsPage, HasEveryFunctionOnce) {
@@ -280,7 +288,6 @@ bool ReadsCommonPalette(const Function& function, const Format& dst, const Forma
     function.cpp.call(arguments);
     states[i] = PixelsOf(before);
   }
-  InitializeDLL();
   return states[0] != states[1];
 }
 
