@@ -7,9 +7,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "include/pincel.h"
+#include "tests/support/guarded_memory.h"
 
 namespace model {
 
@@ -21,7 +21,7 @@ struct Picture {
   int width = 0, height = 0;
   int pitch = 0;       // may be odd, may be larger than the row, may be negative
   int64_t origin = 0;  // index in `bytes` of pixel (0, 0)
-  std::vector<uint8_t> bytes;
+  support::PixelBytes bytes;
   uint32_t key = 0xFFFFFFFF;  // 0xFFFFFFFF: none
   uint32_t alpha_mask = 0;    // aMask of the descriptor
   bool has_palette = false;

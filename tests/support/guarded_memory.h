@@ -1,11 +1,13 @@
 // Memory that ends at a page which nothing may touch: one byte further stops the program, also
-// where no sanitizer looks (Windows, code of others).
+// where no sanitizer looks (Windows, code of others, every instruction set).
 #ifndef TESTS_SUPPORT_GUARDED_MEMORY_H_
 #define TESTS_SUPPORT_GUARDED_MEMORY_H_
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -15,21 +17,22 @@
 #include <sys/mman.h>
 #endif
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TESTS_ADDRESS_SANITIZER
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define TESTS_ADDRESS_SANITIZER
+#endif
+
 namespace support {
 
 class GuardedMemory {
  public:
-  explicit GuardedMemory(size_t size)
-      : size_((size + kPage - 1) / kPage * kPage), start_(Map(size_ + kPage)) {}
+  explicit GuardedMemory(size_t size) : size_(RoundUp(size)), start_(Map(size_)) {}
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
-  ~GuardedMemory() {
-#if defined(_WIN32)
-    VirtualFree(start_, 0, MEM_RELEASE);
-#else
-    munmap(start_, size_ + kPage);
-#endif
-  }
+  ~GuardedMemory() { Unmap(start_, size_); }
 
   size_t size() const { return size_; }
   // The last `count` bytes.
@@ -42,29 +45,106 @@ class GuardedMemory {
     return at;
   }
 
- private:
-  static constexpr size_t kPage = 65536;  // at least the system's
+  static size_t RoundUp(size_t size) { return (size + kPage - 1) / kPage * kPage; }
 
+  // `size` bytes, a multiple of the page, and the guard behind them.
   static uint8_t* Map(size_t size) {
 #if defined(_WIN32)
-    void* const start = VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    void* const start =
+        VirtualAlloc(nullptr, size + kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
     if (start == nullptr) throw std::bad_alloc();
     uint8_t* const bytes = static_cast<uint8_t*>(start);
     DWORD before;
-    VirtualProtect(bytes + size - kPage, kPage, PAGE_NOACCESS, &before);
+    VirtualProtect(bytes + size, kPage, PAGE_NOACCESS, &before);
 #else
     void* const start =
-        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        mmap(nullptr, size + kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (start == MAP_FAILED) throw std::bad_alloc();
     uint8_t* const bytes = static_cast<uint8_t*>(start);
-    mprotect(bytes + size - kPage, kPage, PROT_NONE);
+    mprotect(bytes + size, kPage, PROT_NONE);
 #endif
     return bytes;
   }
 
+  static void Unmap(uint8_t* start, [[maybe_unused]] size_t size) {
+#if defined(_WIN32)
+    VirtualFree(start, 0, MEM_RELEASE);
+#else
+    munmap(start, size + kPage);
+#endif
+  }
+
+ private:
+  static constexpr size_t kPage = 65536;  // at least the system's
+
   size_t size_;
   uint8_t* start_;
 };
+
+// Blocks that are free to be used again; asking the system each time would take most of the tests'
+// time.
+class SpareBlocks {
+ public:
+  uint8_t* Take(size_t size) {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      std::vector<uint8_t*>& spare = spare_[size];
+      if (!spare.empty()) {
+        uint8_t* const start = spare.back();
+        spare.pop_back();
+        return start;
+      }
+    }
+    return GuardedMemory::Map(size);
+  }
+  void Give(uint8_t* start, size_t size) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    spare_[size].push_back(start);
+  }
+  static SpareBlocks& Instance() {
+    static SpareBlocks& blocks = *new SpareBlocks;  // lives as long as any vector
+    return blocks;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<size_t, std::vector<uint8_t*>> spare_;
+};
+
+// For vectors whose last byte is the last before such a page.
+template <class T>
+struct GuardedAllocator {
+  static_assert(sizeof(T) == 1);
+  using value_type = T;
+
+  T* allocate(size_t count) {
+    const size_t size = GuardedMemory::RoundUp(count);
+    return reinterpret_cast<T*>(SpareBlocks::Instance().Take(size) + size - count);
+  }
+  void deallocate(T* bytes, size_t count) {
+    const size_t size = GuardedMemory::RoundUp(count);
+    SpareBlocks::Instance().Give(reinterpret_cast<uint8_t*>(bytes) + count - size, size);
+  }
+  bool operator==(const GuardedAllocator&) const { return true; }
+};
+
+// The bytes of a picture. Under the address sanitizer its own guards see as much, on both sides; on
+// Windows such pages would take longer than all the tests.
+#if defined(_WIN32) || defined(TESTS_ADDRESS_SANITIZER)
+using PixelBytes = std::vector<uint8_t>;
+#else
+class PixelBytes : public std::vector<uint8_t, GuardedAllocator<uint8_t>> {
+ public:
+  using vector::vector;
+  operator std::vector<uint8_t>() const { return {begin(), end()}; }
+  bool operator==(const std::vector<uint8_t>& other) const {
+    return std::equal(begin(), end(), other.begin(), other.end());
+  }
+  bool operator==(const PixelBytes& other) const {
+    return std::equal(begin(), end(), other.begin(), other.end());
+  }
+};
+#endif
 
 }  // namespace support
 
