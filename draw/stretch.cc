@@ -17,7 +17,7 @@ int32_t WidthOf(const CRectangulo& clipped) { return clipped.right - clipped.lef
 int32_t HeightOf(const CRectangulo& clipped) { return clipped.bottom - clipped.top; }
 
 // Source positions of nearest sampling along one axis: single-precision steps, summed in double
-// precision.
+// precision; they may fall a pixel short. Intended.
 class NearestSteps {
  public:
   NearestSteps(int32_t src_size, int32_t dst_size)
@@ -36,7 +36,7 @@ class NearestSteps {
 // Source positions between pixels, in 16.16 fixed point.
 class FixedSteps {
  public:
-  explicit FixedSteps(int64_t step) : step_(step) {}
+  FixedSteps(int32_t src_size, int32_t dst_size) : step_((int64_t{src_size} << 16) / dst_size) {}
   int32_t at() const { return int32_t(position_ >> 16); }
   uint16_t fraction() const { return uint16_t(position_); }
   void Advance() { position_ += step_; }
@@ -44,14 +44,6 @@ class FixedSteps {
  private:
   int64_t step_, position_ = 0;
 };
-
-// The steps of smooth stretching and those of enlarging: they are rounded alike but once in a while.
-FixedSteps SmoothSteps(int32_t src_size, int32_t dst_size) {
-  return FixedSteps(int64_t(double(src_size) / dst_size * 65536.0));
-}
-FixedSteps EnlargingSteps(int32_t src_size, int32_t dst_size) {
-  return FixedSteps((int64_t{src_size} << 32) / (int64_t{dst_size} << 16));
-}
 
 // The memory of a surface, from its lowest row to the last pixel of its highest.
 class Memory {
@@ -139,9 +131,8 @@ void StretchSmooth(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc&
   const auto right_of_last = [&](int32_t y) {
     return memory.Holds(PixelAt<Format>(src, src.width, y), Format::kBytes) ? Format::kBytes : 0;
   };
-  MixSteps<Format>(Mixing::kSmooth, RowsOf<Format>(dst, to),
-                   SmoothSteps(WidthOf(from), WidthOf(to)),
-                   SmoothSteps(HeightOf(from), HeightOf(to)), src.width - 1 - from.left,
+  MixSteps<Format>(Mixing::kSmooth, RowsOf<Format>(dst, to), FixedSteps(WidthOf(from), WidthOf(to)),
+                   FixedSteps(HeightOf(from), HeightOf(to)), src.width - 1 - from.left,
                    [&](MixedRow& row, const uint8_t*, int32_t y) {
                      const int32_t top = from.top + y, bottom = std::min(top + 1, src.height - 1);
                      row.top = PixelAt<Format>(src, from.left, top);
@@ -152,8 +143,8 @@ void StretchSmooth(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc&
                    });
 }
 
-// What clipping left of the source when the destination was clipped from `before` to `after`, both
-// not empty.
+// What clipping left of the source, not nothing, when the destination was clipped from `before` to
+// `after`, both not empty.
 CRectangulo InProportion(const CRectangulo& src, const CRectangulo& before,
                          const CRectangulo& after) {
   const auto moved = [](int32_t at, int32_t from, int32_t to, int64_t src_size, int64_t dst_size) {
@@ -175,7 +166,7 @@ void Enlarge(const TSurfDesc& dst, const CRectangulo& to, const TSurfDesc& src,
   const size_t dst_bytes = size_t(WidthOf(to)) * Format::kBytes;
   const size_t src_bytes = size_t(src_width) * Format::kBytes;
   MixSteps<Format>(Mixing::kInterpolate, RowsOf<Format>(dst, to),
-                   EnlargingSteps(src_width, WidthOf(to)), EnlargingSteps(src_height, HeightOf(to)),
+                   FixedSteps(src_width, WidthOf(to)), FixedSteps(src_height, HeightOf(to)),
                    src_width - 1, [&](MixedRow& row, const uint8_t* dst_row, int32_t y) {
                      row.top = PixelAt<Format>(src, from.left, from.top + y);
                      row.bottom = y + 1 < src_height ? row.top + src.pitch : row.top;
@@ -273,7 +264,6 @@ bool StretchBitmap(TSurfDesc& dst, CRectangulo dRect, TSurfDesc& src, CRectangul
   if (!ClipRect(dst, dRect)) return true;
   if (!ClipRect(src, sRect)) return true;
   sRect = InProportion(sRect, before, dRect);
-  if (sRect.left >= sRect.right || sRect.top >= sRect.bottom) return true;
   if (dst.bpp != src.bpp) return false;
   if (!enable) return true;
   // The depth is that of the argument, not of the surfaces. Intended.
