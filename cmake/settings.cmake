@@ -43,10 +43,10 @@ if(PINCEL_FUZZ)
   target_compile_options(pincel_settings INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(pincel_settings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-# Instruction sets that kernels are compiled for: SSE2, SSE4, AVX2, AVX-512 with and without byte
-# tables, where the processor has them. The left-out ones would give nothing that these do not.
+# Instruction sets that kernels are compiled for: SSE2, SSE4, AVX2, and AVX-512 with byte tables, where
+# the processor has them. The left-out ones would give next to nothing that these do not.
 # HWY_AVX3_DL, which AMD and Intel share, stands for the AVX-512 of either.
-set(PINCEL_LEFT_OUT_TARGETS HWY_SSSE3 HWY_AVX3_ZEN4 HWY_AVX3_SPR CACHE STRING
+set(PINCEL_LEFT_OUT_TARGETS HWY_SSSE3 HWY_AVX3 HWY_AVX3_ZEN4 HWY_AVX3_SPR CACHE STRING
   "Instruction sets that no kernel is compiled for, as Highway calls them")
 list(JOIN PINCEL_LEFT_OUT_TARGETS "|" left_out)
 # The resource compiler cannot read such a definition.

@@ -73,17 +73,6 @@ void CopyKeyed(int pixel_bytes, const SourceRows& rows, uint32_t transparent) {
   }
 }
 
-struct ByteCopy {
-  using Lane = uint8_t;
-  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
-
-  template <class D>
-  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
-    hn::StoreU(hn::LoadU(d, src), d, dst);
-  }
-  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
-};
-
 void CopyShortRows(const SourceRows& bytes) { RepeatableRows(ByteCopy(), bytes); }
 
 // Pixels of 1, 2 or 4 bytes, one behind the other: whatever byte a vector starts with, it is a word

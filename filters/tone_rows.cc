@@ -108,20 +108,9 @@ void ScaleFields(int format, const Rows& pixels, uint32_t factor) {
   }
 }
 
-struct ByteCopyKernel {
-  using Lane = uint8_t;
-  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
-
-  template <class D>
-  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
-    hn::StoreU(hn::LoadU(d, src), d, dst);
-  }
-  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
-};
-
 void RepeatBytes(uint8_t* bytes, size_t piece, size_t size) {
   for (size_t done = piece; done < size; done += piece) {
-    RepeatableRow(hn::ScalableTag<uint8_t>(), ByteCopyKernel(), bytes + done, bytes,
+    RepeatableRow(hn::ScalableTag<uint8_t>(), ByteCopy(), bytes + done, bytes,
                   HWY_MIN(piece, size - done));
   }
 }

@@ -119,6 +119,18 @@ HWY_INLINE void RepeatableRows(const Kernel& kernel, const SourceRows& rows) {
                          HWY_ATTR { RepeatableRow(d, kernel, dst, src, joined.width); });
 }
 
+// Bytes as they are.
+struct ByteCopy {
+  using Lane = uint8_t;
+  static constexpr size_t kDstBytes = 1, kSrcBytes = 1;
+
+  template <class D>
+  HWY_INLINE void Vector(D d, uint8_t* dst, const uint8_t* src) const {
+    hn::StoreU(hn::LoadU(d, src), d, dst);
+  }
+  HWY_INLINE void Pixel(uint8_t* dst, const uint8_t* src) const { *dst = *src; }
+};
+
 // The sources of a kernel that changes what is in the destination: bytes per pixel of each.
 template <size_t bytes>
 struct Stream {

@@ -81,6 +81,11 @@ class GuardedMemory {
   uint8_t* start_;
 };
 
+// PixelBytes are the bytes of a picture, with such a page behind them. Under the address sanitizer its
+// own guards see as much, on both sides; on Windows the pages would take longer than all the tests.
+#if defined(_WIN32) || defined(TESTS_ADDRESS_SANITIZER)
+using PixelBytes = std::vector<uint8_t>;
+#else
 // Blocks that are free to be used again; asking the system each time would take most of the tests'
 // time.
 class SpareBlocks {
@@ -128,11 +133,6 @@ struct GuardedAllocator {
   bool operator==(const GuardedAllocator&) const { return true; }
 };
 
-// The bytes of a picture. Under the address sanitizer its own guards see as much, on both sides; on
-// Windows such pages would take longer than all the tests.
-#if defined(_WIN32) || defined(TESTS_ADDRESS_SANITIZER)
-using PixelBytes = std::vector<uint8_t>;
-#else
 class PixelBytes : public std::vector<uint8_t, GuardedAllocator<uint8_t>> {
  public:
   using vector::vector;
