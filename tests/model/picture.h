@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "include/pincel.h"
-#include "tests/support/guarded_memory.h"
+#include "tests/support/pixel_bytes.h"
 
 namespace model {
 
