@@ -15,7 +15,8 @@ if(WIN32)
   target_compile_definitions(pincel_objects PRIVATE PINCEL_STATIC)
 endif()
 target_link_libraries(pincel_objects PRIVATE pincel_settings)
-target_compile_options(pincel_objects PRIVATE ${PINCEL_LIBRARY_WARNINGS})
+target_compile_options(pincel_objects PRIVATE
+  ${PINCEL_LIBRARY_WARNINGS} ${PINCEL_INSTRUMENTATION})
 # Compile settings only: nothing but the two libraries below links the archives.
 target_include_directories(pincel_objects SYSTEM PRIVATE
   $<TARGET_PROPERTY:hwy::hwy,INTERFACE_INCLUDE_DIRECTORIES>

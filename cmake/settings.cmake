@@ -33,15 +33,20 @@ target_compile_options(pincel_settings INTERFACE
 # More for the library itself; tests may cast as they like.
 set(PINCEL_LIBRARY_WARNINGS -Wshadow -Wconversion -Wold-style-cast -Wcast-qual)
 
+# Sanitizers watch the library. The programs that call it need their runtime, but no checks of their
+# own, which would take most of the time of the tests.
+set(PINCEL_INSTRUMENTATION)
 if(PINCEL_SANITIZE)
-  set(sanitize -fsanitize=${PINCEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_compile_options(pincel_settings INTERFACE ${sanitize})
-  target_link_options(pincel_settings INTERFACE ${sanitize})
+  list(APPEND PINCEL_INSTRUMENTATION
+    -fsanitize=${PINCEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
 endif()
 if(PINCEL_FUZZ)
   # The harnesses are guided by the branches that an input takes inside the library.
-  target_compile_options(pincel_settings INTERFACE -fsanitize=fuzzer-no-link)
-  target_link_options(pincel_settings INTERFACE -fsanitize=fuzzer-no-link)
+  list(APPEND PINCEL_INSTRUMENTATION -fsanitize=fuzzer-no-link)
+endif()
+target_link_options(pincel_settings INTERFACE ${PINCEL_INSTRUMENTATION})
+if(PINCEL_SANITIZE MATCHES address)
+  target_compile_definitions(pincel_settings INTERFACE PINCEL_ADDRESS_SANITIZER)
 endif()
 # Instruction sets that kernels are compiled for: SSE2, SSE4, AVX2, and AVX-512 with byte tables, where
 # the processor has them. The left-out ones would give next to nothing that these do not.

@@ -5,17 +5,9 @@
 #include <cstdint>
 #include <vector>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TESTS_ADDRESS_SANITIZER
-#endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define TESTS_ADDRESS_SANITIZER
-#endif
-
 // Under the address sanitizer its own guards see as much, on both sides; on Windows the pages would
 // take longer than all the tests.
-#if defined(_WIN32) || defined(TESTS_ADDRESS_SANITIZER)
+#if defined(_WIN32) || defined(PINCEL_ADDRESS_SANITIZER)
 
 namespace support {
 using PixelBytes = std::vector<uint8_t>;
