@@ -4,9 +4,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -15,6 +12,7 @@
 #include "tests/support/bmp_writer.h"
 #include "tests/support/checksum.h"
 #include "tests/support/compare.h"
+#include "tests/support/files.h"
 #include "tests/support/random.h"
 
 namespace {
@@ -27,14 +25,7 @@ constexpr Golden kGolden[] = {
 #include "tests/checksums/bmp_files.inc"
 };
 
-std::vector<std::filesystem::path> FilesIn(const std::filesystem::path& folder) {
-  std::vector<std::filesystem::path> files;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    if (entry.path().extension() == ".bmp") files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
+const std::string kRoot = PINCEL_SOURCE_DIR "/";
 
 // A surface that the loaders may fill, prepared as a host does; every byte is 0x11 before.
 model::Picture Prepared(int format, const TSurfDesc& info) {
@@ -52,9 +43,7 @@ model::Picture Prepared(int format, const TSurfDesc& info) {
 // Loads a file into each format, compares with the model, and returns the seven checksums; none for
 // sizes that no surface has.
 std::vector<uint32_t> LoadInEveryFormat(const std::filesystem::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
-  support::FileInMemory file(bytes, false, size_t{1} << 24);
+  support::FileInMemory file(support::BytesOf(path), false, size_t{1} << 24);
   TSurfDesc info{};
   LoadInfoBMP(info, file.Data());
   if (info.width <= 0 || info.height <= 0 || info.width > 4096 || info.height > 1024) return {};
@@ -83,8 +72,7 @@ std::vector<uint32_t> LoadInEveryFormat(const std::filesystem::path& path) {
 
 TEST(BmpFiles, MatchTheCommittedChecksums) {
   for (const Golden& golden : kGolden) {
-    const std::vector<uint32_t> sums =
-        LoadInEveryFormat(PINCEL_SOURCE_DIR "/examples/assets/bmp/" + std::string(golden.file));
+    const std::vector<uint32_t> sums = LoadInEveryFormat(kRoot + golden.file);
     ASSERT_EQ(sums.size(), 7u) << golden.file;
     EXPECT_TRUE(std::equal(sums.begin(), sums.end(), golden.crc))
         << support::ChecksumLine(golden.file, sums);
@@ -93,17 +81,15 @@ TEST(BmpFiles, MatchTheCommittedChecksums) {
 
 // PINCEL_TEST_BMP names a folder of further files to hold against the model.
 TEST(BmpFiles, MatchTheModel) {
-  const char* const folder = std::getenv("PINCEL_TEST_BMP");
-  int loaded = 0;
-  for (const auto& path :
-       FilesIn(folder != nullptr ? folder : PINCEL_SOURCE_DIR "/examples/assets/bmp")) {
-    const bool has_size = !LoadInEveryFormat(path).empty();
-    loaded += has_size;
-    if (folder != nullptr) {
-      std::cout << path.filename().string() << (has_size ? "\n" : ": no size to load\n");
+  std::vector<std::string> folders = {kRoot + "examples/assets/bmp", kRoot + "tests/data/bmp"};
+  if (const char* const more = std::getenv("PINCEL_TEST_BMP")) folders.push_back(more);
+  for (const std::string& folder : folders) {
+    int loaded = 0;
+    for (const auto& path : support::FilesIn(folder, ".bmp")) {
+      loaded += !LoadInEveryFormat(path).empty();
     }
+    EXPECT_GT(loaded, 0) << folder;
   }
-  EXPECT_GT(loaded, 0);
 }
 
 }  // namespace

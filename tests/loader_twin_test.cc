@@ -777,6 +777,7 @@ TEST(BoundedBmp, AgreesWithTheOtherLoader) {
 
 // What ImageMagick 6.9.11 decodes: convert FILE -set colorspace sRGB -depth 8 rgb:-
 // Not listed are fields of 3, 4 and 10 bits, whose largest value it does not make 255.
+// bmpsuite-pal8os2v2-sz, whose size it disputes, is the picture of bmpsuite-pal8.
 struct Reference {
   const char* file;
   uint32_t crc;  // red, green and blue of every pixel
