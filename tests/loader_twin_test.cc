@@ -776,7 +776,8 @@ TEST(BoundedBmp, AgreesWithTheOtherLoader) {
 // --- real files ---
 
 // What ImageMagick 6.9.11 decodes: convert FILE -set colorspace sRGB -depth 8 rgb:-
-// Not listed are fields of 3, 4 and 10 bits, whose largest value it does not make 255.
+// Not listed are fields of 3, 4 and 10 bits, whose largest value it does not make 255, and
+// bmpsuite-rgba32abf, whose compression it does not know.
 // bmpsuite-pal8os2v2-sz, whose size it disputes, is the picture of bmpsuite-pal8.
 struct Reference {
   const char* file;
